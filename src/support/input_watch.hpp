@@ -1,0 +1,28 @@
+#pragma once
+
+/// Waits until one descriptor can be read; see epoll(7).
+class input_watch {
+public:
+    static constexpr int noTimeLimit = -1;
+
+    /// @param descriptor what to wait for. A descriptor that cannot be watched (a regular file)
+    /// is no error: every wait then answers "not readable" at once.
+    explicit input_watch(int descriptor);
+    ~input_watch();
+
+    input_watch(const input_watch&) = delete;
+    input_watch& operator=(const input_watch&) = delete;
+
+    /// @param milliseconds how long to wait, or noTimeLimit
+    /// @return true when the descriptor can be read, end of file included; false when the time is
+    /// over or the wait failed. A wait that a signal interrupts is repeated, up to 10 waits in all.
+    bool waitReadable(int milliseconds) const;
+
+    /// Ends the watch, but leaves its epoll descriptor open for the rest of the process. Nothing
+    /// is watched by it any more, so that it is never woken again.
+    void leaveOpen();
+
+private:
+    int watched;
+    int instance;
+};

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <string>
+
+class input_watch;
+
+/// The levels of stream::trace, single bits of its level mask.
+enum trace_level_t : std::uint32_t {
+    trace_debug = 1,
+    trace_info = 2,
+    trace_plain = 4,
+    trace_warning = 8,
+    trace_error = 16,
+    trace_critical = 32
+};
+
+/// What the user sees and types: trace lines on standard output, and one input after the other,
+/// either typed on standard input or queued in advance by a scripted run.
+class stream {
+public:
+    /// Prints lead, the level's prefix, message and a line feed, and flushes standard output.
+    /// @param level one of trace_level_t; a level without a bit in the mask is dropped
+    /// @param lead text ahead of the prefix, usually empty or two line feeds
+    /// @throws std::runtime_error when the level passes the mask and is no single known level
+    void trace(std::uint32_t level, const std::string& message, const std::string& lead);
+
+    /// Prints message on a line of its own; an empty message prints nothing.
+    void trace(const std::string& message);
+
+    /// Takes the next input: the first queued one, or else one key typed from now on (what was
+    /// typed earlier is thrown away). Waits without a time limit.
+    /// @return the number of characters of the input; 0 when nothing could be read
+    /// @throws menu_exception when the input ends in Ctrl-C
+    int readInput();
+
+    /// Appends an input for readInput; an empty one stands for Ctrl-C.
+    void queueInput(const std::string& input);
+
+    /// @return the integer at the start of the current input, 0 where there is none
+    int inputAsNumber() const;
+
+    /// @return true for ESC with at least one character behind it
+    bool isEscapeSequence() const;
+
+    /// @return true for exactly one line feed
+    bool isEnter() const;
+
+    /// @return true when no character is anything but 0 to 9, so for an empty input, too
+    bool isNumber() const;
+
+protected:
+    /// @return the next byte that waits on standard input, EOF where none does
+    static int readByte();
+
+    /// Waits for a byte on standard input without using the processor, at end of file, too.
+    static int awaitByte(const input_watch& keyboard);
+
+    std::uint32_t levelMask = 0x3f;
+    std::string currentInput;
+    std::deque<std::string> scriptedInputs;
+
+private:
+    void readKey();
+    void readSequence(const input_watch& keyboard);
+    bool appendWaitingBytes();
+};
