@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+
+#include "support/support.hpp"
+
+/// The ids of release_info::getInfo.
+enum release_id_t : std::int32_t {
+    release_firmware = 0,  ///< release of the controller firmware in the package
+    release_sdr = 1,       ///< release of the sensor data records in the package
+    release_system = 2,    ///< the server system that the package is meant for
+    release_image = 3      ///< file name of the firmware image
+};
+
+/// The release information of the firmware package, read once from a file of "KEY=value" lines in
+/// the directory above the working directory.
+class release_info : public virtual support {
+public:
+    static const std::string releaseFilePath;
+
+    /// @throws std::invalid_argument when the file is missing, or when it does not give each of
+    /// the four values exactly once
+    release_info();
+
+    /// @param id one of release_id_t
+    /// @throws std::invalid_argument for any other id
+    const std::string& getInfo(int id) const;
+
+    static bool infoFileExists();
+
+protected:
+    /// Reads the file into the store.
+    /// @return how many lines matched an entry; 0 for a file that cannot be read, and for one in
+    /// which an entry took a line that is not its own
+    int readInfoFile();
+
+private:
+    /// By id: at first the key that a line begins with, from the matching line on its value. Later
+    /// lines are compared with the value, so that a key's first line is the one that counts.
+    std::unordered_map<std::int32_t, std::string> store;
+};
