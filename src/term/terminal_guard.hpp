@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+/// The safety net of the process: as long as it lives, the user's terminal attributes and cursor
+/// are given back however the process ends, be it by an exception, by exit(3) from within a
+/// library, or by a signal, of which the process still dies. There is one at a time.
+class terminal_guard {
+public:
+    /// Remembers the attributes of standard input (nothing to give back where it is no terminal)
+    /// and takes over the signals that end a process.
+    terminal_guard();
+
+    /// Gives the attributes back, and the signals their default actions.
+    ~terminal_guard();
+
+    terminal_guard(const terminal_guard&) = delete;
+    terminal_guard& operator=(const terminal_guard&) = delete;
+
+    /// To be called before the cursor is hidden.
+    /// @param showCursor the sequence that shows it again, at most 63 bytes without its padding
+    static void rememberCursor(const std::string& showCursor);
+};
