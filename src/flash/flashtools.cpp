@@ -1,0 +1,75 @@
+#include "flash/flashtools.hpp"
+
+#include <stdexcept>
+
+#include "flash/signal_hold.hpp"
+
+namespace {
+
+const std::string coreFileName = "varnflash";
+const std::string coreDirectory = "./";
+
+constexpr int ispfrPresent = 55;
+constexpr int evaluationPauseSeconds = 2;
+
+struct operation_t {
+    std::string message;
+    std::string commandLine;
+};
+
+using operation_table_t = std::unordered_map<std::int32_t, operation_t>;
+
+operation_table_t makeOperationTable(const std::string& imagePath) {
+    static const std::string waitSuffix = ", please wait...\n\n";
+    const auto flash = [&imagePath](const std::string& argument) {
+        return flashtools::corePath + " " + imagePath + " " + argument + " " +
+               flashtools::debugArgument;
+    };
+    return {
+        {op_inactive, {"Starting validation of inactive image" + waitSuffix, flash("/i")}},
+        {op_force_1st, {"Preparing forced flash of 1st image" + waitSuffix, flash("/f1")}},
+        {op_force_2nd, {"Preparing forced flash of 2nd image" + waitSuffix, flash("/f2")}},
+        {op_emergency, {"Preparing emergency flash" + waitSuffix, flash("/emerg")}},
+        {op_reboot,
+         {"Varn reboot pending, wait for boot to complete", flashtools::corePath + " /wr"}},
+    };
+}
+
+}  // namespace
+
+const std::string flashtools::corePath = coreDirectory + coreFileName;
+const std::string flashtools::debugArgument = "/logDebug";
+
+flashtools::flashtools(bool evaluate, const std::vector<std::pair<int, int>>& operations)
+    : evalMode(evaluate) {
+    if (!fileExists(corePath)) {
+        throw std::invalid_argument("Flashtools core program not available");
+    }
+    for (const auto& [menuItem, operation] : operations) {
+        operationMap.emplace(menuItem, static_cast<flash_op_t>(operation));
+    }
+}
+
+void flashtools::runOperation(int menuItem) {
+    static const operation_table_t operationTable = makeOperationTable(imagePath);
+    const auto operation = operationMap.find(menuItem);
+    if (operation == operationMap.end()) {
+        throw std::runtime_error("Flashtools operation not supported");
+    }
+    const auto entry = operationTable.find(operation->second);
+    if (entry == operationTable.end()) {
+        throw std::runtime_error("Flashtools operation not defined");
+    }
+    trace(trace_plain, entry->second.message, newLines(2));
+    if (evalMode != 0) {
+        delay(seconds, evaluationPauseSeconds);
+        return;
+    }
+    {
+        const signal_hold untilTheCoreProgramHasEnded;
+        runCommand(entry->second.commandLine, true);
+    }
+    waitForEnter("");
+}
+
+bool flashtools::checkIspfr() { return runCommand(corePath + " /ispfr", true) == ispfrPresent; }
