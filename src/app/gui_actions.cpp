@@ -1,0 +1,89 @@
+#include <unistd.h>
+
+#include <array>
+
+#include "app/gui.hpp"
+#include "app/menu_tables.hpp"
+#include "support/menu_exception.hpp"
+
+namespace {
+
+constexpr std::uint32_t mainMenu = 0;
+constexpr std::uint32_t legalMenu = 1;
+
+/// By menu index, so that either callback knows Exit whichever menu it serves.
+constexpr std::array exitLines{main_menu::exit, legal_menu::exit};
+
+}  // namespace
+
+bool gui::isExitSelected() const {
+    const menu_elem_t& menu = menus.at(currentMenu);
+    return menu.lines.contains(menu.selected) && menu.selected == exitLines.at(currentMenu);
+}
+
+void gui::onMainMenuSelect(menu_item_t item) {
+    if (isExitSelected()) {
+        throw menu_exception("user normal exit");
+    }
+    switch (item) {
+        case main_menu::legalDocuments:
+            currentMenu = legalMenu;
+            break;
+        case main_menu::readme:
+            showText(item, text_readme);
+            break;
+        default:
+            runOperation(item);
+    }
+}
+
+void gui::onLegalMenuSelect(menu_item_t item) {
+    if (isExitSelected()) {
+        menus.at(currentMenu).selected = 0;
+        currentMenu = mainMenu;
+    } else {
+        showText(item, text_legal);
+    }
+}
+
+void gui::checkAdministrator() {
+    if (getuid() != 0) {
+        throw menu_exception("program started without administrator privileges");
+    }
+}
+
+void gui::runEvaluation() {
+    std::vector<menu_elem_t> simulated = menus;
+    for (const menu_item_t target : {0, 2, 3, 1, 4, 6, 7}) {
+        scriptSelection(simulated.at(mainMenu), target);
+    }
+    for (const menu_item_t target : {0, 3, 2, 4, 5, 7, 6, 9}) {
+        scriptSelection(simulated.at(legalMenu), target);
+    }
+    for (const menu_item_t target : {1, 9, 10}) {
+        scriptSelection(simulated.at(mainMenu), target);
+    }
+}
+
+void gui::scriptSelection(menu_elem_t& menu, menu_item_t target) {
+    if (!menu.lines.contains(target)) {
+        return;
+    }
+    const auto press = [&](term_key_t key, menu_item_t destination) {
+        queueInput(keySequence(key));
+        menu.selected = destination;
+    };
+    const auto above = [&] { return lineAbove(menu, menu.selected); };
+    const auto below = [&] { return lineBelow(menu, menu.selected); };
+    if (target == 0 && !isSelectable(menu, menu.selected)) {
+        press(term_key_up, above());
+    } else {
+        while (target < menu.selected && above() != menu.selected) {
+            press(term_key_up, above());
+        }
+        while (target > menu.selected && below() != menu.selected) {
+            press(term_key_down, below());
+        }
+    }
+    queueInput(keySequence(term_key_enter));
+}

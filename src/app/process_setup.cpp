@@ -1,0 +1,42 @@
+#include "app/process_setup.hpp"
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdio>
+
+namespace {
+
+constexpr rlim_t mostDescriptors = 65'536;
+
+/// Larger than any drawing of a menu, so that one drawing is one write.
+std::array<char, 65'536> outputBuffer;
+
+void resetSignals() {
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    std::signal(SIGCHLD, SIG_DFL);
+}
+
+void raiseDescriptorLimit() {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) {
+        return;
+    }
+    const rlim_t wanted = std::min(limit.rlim_max, mostDescriptors);
+    if (limit.rlim_cur < wanted) {
+        limit.rlim_cur = wanted;
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+}
+
+}  // namespace
+
+void setUpProcess() {
+    resetSignals();
+    raiseDescriptorLimit();
+    std::setvbuf(stdout, outputBuffer.data(), _IOFBF, outputBuffer.size());
+}

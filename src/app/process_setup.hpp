@@ -1,0 +1,7 @@
+#pragma once
+
+/// Makes the process what the rest of the program relies on, whoever started it: no signal
+/// blocked, children that can be waited for, room for the one descriptor that each key leaves
+/// open, and standard output that reaches the terminal in one piece when it is flushed. To be
+/// called before the first output.
+void setUpProcess();
