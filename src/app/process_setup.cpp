@@ -1,7 +1,5 @@
 #include "app/process_setup.hpp"
 
-#include <sys/resource.h>
-
 #include <algorithm>
 #include <array>
 #include <csignal>
@@ -23,12 +21,8 @@ void resetSignals() {
 
 void raiseDescriptorLimit() {
     rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) {
-        return;
-    }
-    const rlim_t wanted = std::min(limit.rlim_max, mostDescriptors);
-    if (limit.rlim_cur < wanted) {
-        limit.rlim_cur = wanted;
+    if (getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+        limit.rlim_cur = descriptorLimit(limit);
         setrlimit(RLIMIT_NOFILE, &limit);
     }
 }
@@ -39,4 +33,8 @@ void setUpProcess() {
     resetSignals();
     raiseDescriptorLimit();
     std::setvbuf(stdout, outputBuffer.data(), _IOFBF, outputBuffer.size());
+}
+
+rlim_t descriptorLimit(const rlimit& current) {
+    return std::max(current.rlim_cur, std::min(current.rlim_max, mostDescriptors));
 }

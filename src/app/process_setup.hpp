@@ -1,7 +1,13 @@
 #pragma once
 
+#include <sys/resource.h>
+
 /// Makes the process what the rest of the program relies on, whoever started it: no signal
 /// blocked, children that can be waited for, room for the one descriptor that each key leaves
 /// open, and standard output that reaches the terminal in one piece when it is flushed. To be
 /// called before the first output.
 void setUpProcess();
+
+/// @return the soft descriptor limit to ask for: as much as the hard one allows, at most 65,536,
+/// and never less than there is
+rlim_t descriptorLimit(const rlimit& current);
