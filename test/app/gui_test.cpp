@@ -1,0 +1,210 @@
+#include "app/gui.hpp"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "harness/terminal_session.hpp"
+#include "harness/test_surroundings.hpp"
+#include "support/menu_exception.hpp"
+
+namespace {
+
+struct open_gui : gui {
+    using gui::gui;
+    using stream::currentInput;
+    using stream::scriptedInputs;
+};
+
+class gui_test : public testing::Test {
+protected:
+    /// What the call returns for a gui on a terminal, in the package.
+    std::string with(bool evaluate, const std::function<std::string(open_gui&)>& call) {
+        return terminal_session([&] {
+                   const inside_package inside(package);
+                   open_gui application(evaluate);
+                   application.scriptedInputs.clear();
+                   return call(application);
+               })
+            .result();
+    }
+
+    std::string with(const std::function<std::string(open_gui&)>& call) {
+        return with(false, call);
+    }
+
+    package_folder package;
+};
+
+std::string selectedKeys(gui& application) {
+    return std::to_string(application.currentMenu) + " " +
+           std::to_string(application.menus.at(0).selected) + " " +
+           std::to_string(application.menus.at(1).selected);
+}
+
+/// The keys that lead to targets one after the other, as U, D and E.
+std::string script(open_gui& application, menu_elem_t menu, const std::vector<int>& targets) {
+    std::string keys;
+    for (const int target : targets) {
+        application.scriptSelection(menu, target);
+        for (const std::string& input : application.scriptedInputs) {
+            keys += input == application.keySequence(0)   ? "U"
+                    : input == application.keySequence(1) ? "D"
+                    : input == "\n"                       ? "E"
+                                                          : "?";
+        }
+        application.scriptedInputs.clear();
+        keys += " ";
+    }
+    return keys;
+}
+
+}  // namespace
+
+TEST_F(gui_test, HasTwoMenus) {
+    const auto sizes = [](open_gui& application) {
+        return std::to_string(application.menus.size()) + " " +
+               std::to_string(application.menus.at(0).lines.size()) + " " +
+               std::to_string(application.menus.at(1).lines.size()) + " " +
+               std::to_string(application.currentMenu);
+    };
+    EXPECT_EQ("2 14 12 0", with(sizes));
+    package.let("varnflash", "exit 55");
+    EXPECT_EQ("2 13 12 0", with(sizes));
+}
+
+TEST_F(gui_test, DropsTheEmergencyFlashWhenTheCoreProgramSaysSo) {
+    package.let("varnflash", "exit 55");
+    EXPECT_EQ("gone", with([](open_gui& application) {
+                  return std::string(application.menus.at(0).lines.contains(4) ? "there" : "gone");
+              }));
+    EXPECT_EQ("./varnflash /ispfr", package.commandLines().at(0));
+}
+
+TEST_F(gui_test, AsksTheCoreProgramInEvaluationModeToo) {
+    with(true, [](open_gui&) { return std::string(); });
+    EXPECT_EQ("./varnflash /ispfr", package.commandLines().at(0));
+}
+
+TEST_F(gui_test, RefusesAnyoneButTheRealRoot) {
+    const auto refused = [](uid_t real, uid_t effective) {
+        return terminal_session([=] {
+                   if (setresuid(real, effective, 0) != 0) {
+                       return std::string("setresuid failed");
+                   }
+                   return thrown<menu_exception>([] { gui::checkAdministrator(); });
+               })
+            .result();
+    };
+    EXPECT_EQ("program started without administrator privileges", refused(65534, 0));
+    EXPECT_EQ("nothing thrown", refused(0, 65534));
+}
+
+TEST_F(gui_test, OpensAndLeavesTheLegalMenu) {
+    EXPECT_EQ("1 7 0|0 7 0", with([](open_gui& application) {
+                  application.menus.at(0).selected = 7;
+                  application.onMainMenuSelect(7);
+                  const std::string opened = selectedKeys(application);
+                  application.menus.at(1).selected = 9;
+                  application.onLegalMenuSelect(9);
+                  return opened + "|" + selectedKeys(application);
+              }));
+}
+
+TEST_F(gui_test, EndsAtExitInTheMainMenu) {
+    EXPECT_EQ("user normal exit", with([](open_gui& application) {
+                  application.menus.at(0).selected = 10;
+                  return thrown<menu_exception>([&] { application.onMainMenuSelect(10); });
+              }));
+}
+
+// Either callback knows the Exit line of whichever menu it serves.
+TEST_F(gui_test, KnowsExitInBothMenusFromBothCallbacks) {
+    EXPECT_EQ("user normal exit", with([](open_gui& application) {
+                  application.currentMenu = 1;
+                  application.menus.at(1).selected = 9;
+                  return thrown<menu_exception>([&] { application.onMainMenuSelect(9); });
+              }));
+    EXPECT_EQ("0 0 0", with([](open_gui& application) {
+                  application.menus.at(0).selected = 10;
+                  application.onLegalMenuSelect(10);
+                  return selectedKeys(application);
+              }));
+}
+
+TEST_F(gui_test, HandsLineZeroToTheFlashOperations) {
+    EXPECT_EQ("Flashtools operation not supported", with([](open_gui& application) {
+                  return thrown<std::runtime_error>([&] { application.onMainMenuSelect(0); });
+              }));
+}
+
+TEST_F(gui_test, ChecksTheMenuIndex) {
+    EXPECT_EQ("thrown thrown thrown", with([](open_gui& application) {
+                  application.currentMenu = 2;
+                  std::string all;
+                  const auto note = [&](auto call) {
+                      const bool isThrown = !thrown<std::out_of_range>(call).starts_with("nothing");
+                      all += std::string(all.empty() ? "" : " ") + (isThrown ? "thrown" : "not");
+                  };
+                  note([&] { application.showMenuOnce(); });
+                  note([&] { application.onMainMenuSelect(1); });
+                  note([&] { application.onLegalMenuSelect(2); });
+                  return all;
+              }));
+}
+
+TEST_F(gui_test, ChecksTheHeadersLines) {
+    for (const auto field : {&menu_elem_t::headerLine, &menu_elem_t::informationLine}) {
+        EXPECT_EQ("map::at", with([field](open_gui& application) {
+                      application.menus.at(0).*field = 99;
+                      return thrown<std::out_of_range>([&] { application.showMenuOnce(); });
+                  }));
+    }
+}
+
+TEST_F(gui_test, NeedsACallback) {
+    EXPECT_EQ("bad_function_call", with([](open_gui& application) {
+                  application.menus.at(0).callback = nullptr;
+                  application.queueInput("\n");
+                  return thrown<std::bad_function_call>([&] { application.showMenuOnce(); });
+              }));
+}
+
+TEST_F(gui_test, HandsTheSelectedLineToTheCallback) {
+    EXPECT_EQ("6", with([](open_gui& application) {
+                  std::string selected;
+                  application.menus.at(0).callback = [&](menu_item_t item) {
+                      selected = std::to_string(item);
+                  };
+                  for (const char* input : {"4", "5", "\n"}) {
+                      application.queueInput(input);
+                  }
+                  application.showMenuOnce();
+                  return selected;
+              }));
+}
+
+TEST_F(gui_test, ScriptsTheKeysToATarget) {
+    EXPECT_EQ("UE DE DE UUE DDDE DE DE  ", with([](open_gui& application) {
+                  return script(application, application.menus.at(0), {0, 2, 3, 1, 4, 6, 7, 99});
+              }));
+    EXPECT_EQ("UE DE UE DDE DE DE  DE ", with([](open_gui& application) {
+                  return script(application, application.menus.at(1), {0, 3, 2, 4, 5, 7, 6, 9});
+              }));
+}
+
+// A line that cannot be selected is passed by, and the nearest one behind it confirmed.
+TEST_F(gui_test, ScriptsTheKeysToTheLineBehindATargetThatCannotBeSelected) {
+    EXPECT_EQ("DDDDDE ", with([](open_gui& application) {
+                  return script(application, application.menus.at(0), {5});
+              }));
+}
+
+TEST_F(gui_test, QueuesTheScriptedWalkWithoutTouchingTheMenus) {
+    terminal_session session([&] {
+        const inside_package inside(package);
+        open_gui application(true);
+        return std::to_string(application.scriptedInputs.size()) + " " + selectedKeys(application);
+    });
+    // The main menu takes 2+2+2+3+4+2+2 keys, the legal one 2+2+2+3+2+2+2, the main one 6+7+2.
+    EXPECT_EQ("47 0 0 0", session.result());
+}

@@ -1,0 +1,58 @@
+#include "app/process_setup.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+
+#include "harness/terminal_session.hpp"
+
+TEST(ProcessSetup, RaisesTheDescriptorLimit) {
+    terminal_session session([] {
+        rlimit limit{256, 512};
+        setrlimit(RLIMIT_NOFILE, &limit);
+        setUpProcess();
+        getrlimit(RLIMIT_NOFILE, &limit);
+        return std::to_string(limit.rlim_cur) + " " + std::to_string(limit.rlim_max);
+    });
+    EXPECT_EQ("512 512", session.result());
+}
+
+TEST(ProcessSetup, AsksForAsManyDescriptorsAsItNeeds) {
+    EXPECT_EQ(4096U, descriptorLimit({1024, 4096}));
+    EXPECT_EQ(65'536U, descriptorLimit({1024, 1'048'576}));
+    EXPECT_EQ(65'536U, descriptorLimit({1024, RLIM_INFINITY}));
+    EXPECT_EQ(100'000U, descriptorLimit({100'000, 1'048'576}));
+}
+
+TEST(ProcessSetup, UnblocksSignalsAndWaitsForChildren) {
+    terminal_session session([] {
+        sigset_t all;
+        sigfillset(&all);
+        sigprocmask(SIG_SETMASK, &all, nullptr);
+        std::signal(SIGCHLD, SIG_IGN);
+        setUpProcess();
+        sigprocmask(SIG_SETMASK, nullptr, &all);
+        const bool blocked = sigismember(&all, SIGHUP) == 1;
+        const bool ignored = std::signal(SIGCHLD, SIG_DFL) == SIG_IGN;
+        return std::string(blocked || ignored ? "as before" : "reset");
+    });
+    EXPECT_EQ("reset", session.result());
+}
+
+// Lines that are not flushed stay together until they are.
+TEST(ProcessSetup, KeepsOutputTogetherUntilItIsFlushed) {
+    terminal_session session([] {
+        setUpProcess();
+        std::fputs("first\nsecond\n", stdout);
+        while (getchar() != '\n') {
+        }
+        std::fflush(stdout);
+        return std::string();
+    });
+    session.awaitKeyWait();
+    EXPECT_EQ("", session.output());
+    session.type("\n");
+    session.awaitEnd();
+    EXPECT_TRUE(session.screen().contains("second"));
+}

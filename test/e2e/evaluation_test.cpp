@@ -1,0 +1,82 @@
+#include "e2e/tool_test.hpp"
+
+namespace {
+
+class evaluation_test : public tool_test, public testing::WithParamInterface<const char*> {
+protected:
+    /// How often the text was printed.
+    int count(const std::string& text) const {
+        int times = 0;
+        const std::string& output = session->output();
+        for (std::size_t at = output.find(text); at != std::string::npos;
+             at = output.find(text, at + 1)) {
+            ++times;
+        }
+        return times;
+    }
+
+    void walk() {
+        program.arguments = {"./varnmenu", "--eval"};
+        start();
+        EXPECT_EQ(0, awaitEnd());
+        EXPECT_EQ("Exitting program 'varnmenu' due to user normal exit\n",
+                  session->screen().text());
+        expectTerminalRestored();
+    }
+};
+
+const std::vector<std::string> documentsRead{"cat ../readme.txt",
+                                             "cat ../eula_en.txt",
+                                             "cat ../ThirdPartyLicenseReadmeFlashtools.txt",
+                                             "cat ../eula_en.txt",
+                                             "cat ../ThirdPartyLicenseReadme_MORV_API.txt",
+                                             "cat ../ThirdPartyLicenseReadmeFirmware.txt",
+                                             "cat ../CopyrightsCentOS"};
+
+}  // namespace
+
+TEST_F(evaluation_test, WalksThroughBothMenusWithoutAnyFlash) {
+    program.user = 65534;  // the root check is skipped
+    std::filesystem::permissions(package.root(), std::filesystem::perms::all);
+    walk();
+    EXPECT_EQ(3, count("Starting validation of inactive image, please wait..."));
+    EXPECT_EQ(1, count("Preparing forced flash of 1st image, please wait..."));
+    EXPECT_EQ(1, count("Preparing forced flash of 2nd image, please wait..."));
+    EXPECT_EQ(1, count("Preparing emergency flash, please wait..."));
+    EXPECT_EQ(1, count("Varn reboot pending, wait for boot to complete"));
+    EXPECT_EQ(0, count("[WARN]"));
+    EXPECT_EQ(0, count("text of readme.txt"));
+
+    std::vector<std::string> expected{"./varnflash /ispfr"};
+    for (const std::string& line : documentsRead) {
+        expected.push_back("which cat");
+        expected.push_back(line);
+    }
+    EXPECT_EQ(expected, package.commandLines());
+}
+
+TEST_F(evaluation_test, PassesOverTheEmergencyFlashWhereThereIsNone) {
+    package.let("varnflash", "exit 55");
+    walk();
+    EXPECT_EQ(0, count("Preparing emergency flash"));
+    EXPECT_EQ(1, count("Varn reboot pending"));
+    EXPECT_EQ(0, count("[WARN]"));
+}
+
+// Nobody is there to press ENTER: a pause takes its place, and the walk goes on.
+TEST_F(evaluation_test, GoesOnAfterAWarning) {
+    package.remove("eula_en.txt");
+    walk();
+    EXPECT_EQ(2, count("[WARN] Text file is not present ../eula_en.txt"));
+    EXPECT_EQ(0, count("Press ENTER"));
+    EXPECT_EQ("cat ../CopyrightsCentOS", package.commandLines().back());
+}
+
+TEST_P(evaluation_test, StartsWithEitherWord) {
+    program.arguments = {"./varnmenu", GetParam()};
+    start();
+    session->awaitScreen("Starting validation of inactive image");
+}
+
+INSTANTIATE_TEST_SUITE_P(Words, evaluation_test, testing::Values("--eval", "/eval"),
+                         [](const auto& word) { return word.index == 0 ? "dashes" : "slash"; });

@@ -1,0 +1,68 @@
+#include "e2e/tool_test.hpp"
+
+#include <sys/wait.h>
+
+#include <fstream>
+
+tool_test::tool_test() {
+    program.path = VARNMENU_PROGRAM;
+    program.arguments = {"/opt/package/varnmenu"};
+    program.environment = {{"PATH", package.programs().string()},
+                           {"TERM", "xterm"},
+                           {"HOME", "/root"},
+                           {"LANG", "de_DE.UTF-8"}};
+    program.directory = package.tool().string();
+}
+
+void tool_test::start(int rows, int columns) {
+    session = std::make_unique<terminal_session>(program, rows, columns);
+}
+
+void tool_test::startMenu(int rows, int columns) {
+    start(rows, columns);
+    awaitMenu();
+}
+
+void tool_test::choose(int number) {
+    session->press(std::to_string(number));
+    session->press("\r");
+}
+
+void tool_test::awaitMenu(const std::string& promptNumber) {
+    const std::string prompt = promptNumber.empty() ? ">" : "> " + promptNumber;
+    session->await(
+        [&] {
+            const auto rows = session->screen().rows();
+            return rows.size() > 3 && rows[rows.size() - 3] == prompt;
+        },
+        "the menu with \"" + prompt + "\"");
+    session->awaitKeyWait();
+}
+
+int tool_test::awaitEnd() {
+    const int status = session->awaitEnd();
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+void tool_test::expectTerminalRestored() {
+    EXPECT_TRUE(session->terminal().isCooked());
+    EXPECT_TRUE(session->screen().isCursorVisible());
+}
+
+double processorMilliseconds(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/schedstat");
+    double nanoseconds = 0;
+    file >> nanoseconds;
+    return nanoseconds / 1e6;
+}
+
+long writeCalls(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/io");
+    std::string key;
+    for (long value = 0; file >> key >> value;) {
+        if (key == "syscw:") {
+            return value;
+        }
+    }
+    return -1;
+}

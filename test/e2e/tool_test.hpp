@@ -1,0 +1,44 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "harness/package_folder.hpp"
+#include "harness/terminal_session.hpp"
+
+/// The built program in a package of stand-ins, on a terminal of its own.
+class tool_test : public testing::Test {
+protected:
+    tool_test();
+
+    /// Starts the program; what differs from the usual is set in `program` before.
+    void start(int rows = 24, int columns = 80);
+
+    /// Starts it and returns when the main menu is shown.
+    void startMenu(int rows = 24, int columns = 80);
+
+    /// Confirms the line with this shown number.
+    void choose(int number);
+
+    /// Returns when the menu is shown anew, with this number behind its prompt.
+    void awaitMenu(const std::string& promptNumber = "");
+
+    /// Waits for the end.
+    /// @return exit status, or 128 and the signal's number as a shell counts
+    int awaitEnd();
+
+    void expectTerminalRestored();
+
+    program_t program;
+    package_folder package;
+    std::unique_ptr<terminal_session> session;
+};
+
+/// @return the processor time that a process has used, in milliseconds
+double processorMilliseconds(pid_t process);
+
+/// @return how many writes a process has made, see proc(5), "syscw"
+long writeCalls(pid_t process);

@@ -1,0 +1,245 @@
+#include "harness/terminal_session.hpp"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+
+namespace {
+
+constexpr auto patience = std::chrono::seconds(30);
+constexpr int lookAgainMilliseconds = 2;
+
+/// Nothing of what started the tests is to be seen by the program under test.
+void resetSignals() {
+    for (int number = 1; number < NSIG; ++number) {
+        std::signal(number, SIG_DFL);
+    }
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+std::vector<char*> pointers(std::vector<std::string>& texts) {
+    std::vector<char*> list;
+    for (std::string& text : texts) {
+        list.push_back(text.data());
+    }
+    list.push_back(nullptr);
+    return list;
+}
+
+[[noreturn]] void execute(const program_t& program) {
+    std::vector<std::string> arguments = program.arguments;
+    std::vector<std::string> environment;
+    for (const auto& [name, value] : program.environment) {
+        environment.push_back(name + "=" + value);
+    }
+    // Nor what the tests have open.
+    close_range(STDERR_FILENO + 1, ~0U, 0);
+    if (chdir(program.directory.c_str()) == 0 && (program.user == 0 || setuid(program.user) == 0)) {
+        execve(program.path.c_str(), pointers(arguments).data(), pointers(environment).data());
+    }
+    _exit(127);
+}
+
+constexpr std::uint32_t noTimeLimit = 0xffffffff;
+
+/// The system call that a process is blocked in; number -1 while it runs. See proc(5).
+struct system_call_t {
+    long number = -1;
+    std::array<std::uint32_t, 4> arguments{};
+};
+
+system_call_t currentSystemCall(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/syscall");
+    system_call_t call;
+    long number = 0;
+    if (file >> number) {  // not so for "running"
+        call.number = number;
+        for (std::uint32_t& argument : call.arguments) {
+            std::uint64_t value = 0;
+            file >> std::hex >> value;
+            argument = static_cast<std::uint32_t>(value);
+        }
+    }
+    return call;
+}
+
+/// How often a process has gone to sleep: a key that it has taken lets it do so once more. A look
+/// at its input queue would not do, as the terminal passes keys on with a delay.
+std::string timesBlocked(pid_t process) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("voluntary_ctxt_switches:")) {
+            return line;
+        }
+    }
+    return "";
+}
+
+bool isAlive(pid_t process) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/stat");
+    std::string text;
+    std::getline(status, text);
+    return text.find(") Z ") == std::string::npos && !text.empty();
+}
+
+}  // namespace
+
+terminal_session::terminal_session(const program_t& program, int rows, int columns)
+    : pty(rows, columns), display(rows, columns) {
+    start([&program] { execute(program); });
+}
+
+terminal_session::terminal_session(const std::function<std::string()>& body, int rows, int columns)
+    : pty(rows, columns), display(rows, columns) {
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+        throw std::runtime_error("pipe2 failed");
+    }
+    start([&body, &ends] {
+        std::string text;
+        try {
+            text = body();
+        } catch (const std::exception& error) {
+            text = std::string("exception: ") + error.what();
+        }
+        const auto written = write(ends[1], text.data(), text.size());
+        std::exit(written == static_cast<ssize_t>(text.size()) ? 0 : 1);
+    });
+    close(ends[1]);
+    resultPipe = ends[0];
+}
+
+terminal_session::~terminal_session() {
+    if (!ended) {
+        kill(child, SIGKILL);
+        waitpid(child, &waitStatus, 0);
+    }
+    if (resultPipe >= 0) {
+        close(resultPipe);
+    }
+}
+
+void terminal_session::start(const std::function<void()>& inChild) {
+    child = fork();
+    if (child < 0) {
+        throw std::runtime_error("fork failed");
+    }
+    if (child == 0) {
+        resetSignals();
+        pty.becomeStandardStreams();
+        inChild();
+    }
+}
+
+bool terminal_session::pump(int milliseconds) {
+    pollfd waiting{pty.master(), POLLIN, 0};
+    if (pty.master() < 0 || poll(&waiting, 1, milliseconds) <= 0) {
+        return false;
+    }
+    std::array<char, 65536> bytes{};
+    const ssize_t count = read(pty.master(), bytes.data(), bytes.size());
+    if (count <= 0) {
+        return false;
+    }
+    const std::string_view text(bytes.data(), static_cast<std::size_t>(count));
+    allOutput += text;
+    display.write(text);
+    return true;
+}
+
+void terminal_session::await(const std::function<bool()>& condition, const std::string& what) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            throw std::runtime_error("waited in vain for " + what + ", the screen is:\n" +
+                                     display.text());
+        }
+        if (!pump(lookAgainMilliseconds) && pty.master() < 0) {
+            poll(nullptr, 0, lookAgainMilliseconds);
+        }
+    }
+}
+
+void terminal_session::awaitScreen(std::string_view text) {
+    await([&] { return display.contains(text); }, "\"" + std::string(text) + "\"");
+}
+
+bool terminal_session::isWaitingForKey() const {
+    const system_call_t call = currentSystemCall(child);
+    const bool isEpollWait = call.number == SYS_epoll_wait || call.number == SYS_epoll_pwait;
+    // In raw mode a read never waits for a key, though it may be seen waiting for a lock.
+    const bool isCookedRead =
+        call.number == SYS_read && call.arguments[0] == STDIN_FILENO && pty.isCooked();
+    return (isEpollWait && call.arguments[3] == noTimeLimit) || isCookedRead;
+}
+
+bool terminal_session::isWaitingForMore() const {
+    const system_call_t call = currentSystemCall(child);
+    const bool isEpollWait = call.number == SYS_epoll_wait || call.number == SYS_epoll_pwait;
+    return isEpollWait && call.arguments[3] != noTimeLimit;
+}
+
+void terminal_session::awaitKeyWait() {
+    await([&] { return isWaitingForKey() && timesBlocked(child) != timesBlockedAtLastKey; },
+          "a wait for a key");
+    while (pump(0)) {
+    }
+}
+
+void terminal_session::type(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = write(pty.master(), bytes.data(), bytes.size());
+        if (count < 0) {
+            throw std::runtime_error("cannot type");
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+void terminal_session::press(std::string_view keys) {
+    awaitKeyWait();
+    timesBlockedAtLastKey = timesBlocked(child);
+    type(keys);
+}
+
+int terminal_session::awaitEnd() {
+    await([&] { return !isAlive(child); }, "the end of the process");
+    while (pump(0)) {
+    }
+    if (!ended) {
+        waitpid(child, &waitStatus, 0);
+        ended = true;
+    }
+    return waitStatus;
+}
+
+std::string terminal_session::result() {
+    awaitEnd();
+    std::string text;
+    std::array<char, 4096> bytes{};
+    for (ssize_t count = 0; (count = read(resultPipe, bytes.data(), bytes.size())) > 0;) {
+        text.append(bytes.data(), static_cast<std::size_t>(count));
+    }
+    return text;
+}
+
+void terminal_session::signal(int number) const { kill(child, number); }
+
+void terminal_session::resize(int rows, int columns) {
+    pty.resize(rows, columns);
+    display.resize(rows, columns);
+}
+
+void terminal_session::hangUp() { pty.hangUp(); }

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "harness/pseudo_terminal.hpp"
+#include "harness/terminal_screen.hpp"
+
+/// What to start, and how.
+struct program_t {
+    std::string path;
+    std::vector<std::string> arguments;  ///< with the program word in front
+    std::map<std::string, std::string> environment;
+    std::string directory;
+    uid_t user = 0;
+};
+
+/// One process on a terminal of its own, and a user in front of it. Every wait ends with what it
+/// waits for or, after half a minute, with an exception that shows the screen.
+class terminal_session {
+public:
+    explicit terminal_session(const program_t& program, int rows = 24, int columns = 80);
+
+    /// Runs a part of the test itself in a child process on the terminal.
+    /// @param body its result is what result() returns
+    explicit terminal_session(const std::function<std::string()>& body, int rows = 24,
+                              int columns = 80);
+
+    ~terminal_session();
+
+    terminal_session(const terminal_session&) = delete;
+    terminal_session& operator=(const terminal_session&) = delete;
+
+    /// Types keys once the process has dealt with the last ones and waits for the next.
+    void press(std::string_view keys);
+
+    /// Types bytes at once, read or not.
+    void type(std::string_view bytes);
+
+    /// Returns when the process has dealt with the last keys, waits for the next, and all its
+    /// output is on the screen.
+    void awaitKeyWait();
+
+    void awaitScreen(std::string_view text);
+    void await(const std::function<bool()>& condition, const std::string& what);
+
+    /// Waits for the end of the process.
+    /// @return its wait status, see waitpid(2)
+    int awaitEnd();
+
+    /// @return what the body returned; waits for its end
+    std::string result();
+
+    bool isWaitingForKey() const;
+
+    /// @return true while the process waits for the rest of a key, for a limited time
+    bool isWaitingForMore() const;
+
+    void signal(int number) const;
+    void resize(int rows, int columns);
+    void hangUp();
+
+    pid_t process() const { return child; }
+    const pseudo_terminal& terminal() const { return pty; }
+    const terminal_screen& screen() const { return display; }
+
+    /// @return every byte that the process has written to the terminal so far
+    const std::string& output() const { return allOutput; }
+
+private:
+    void start(const std::function<void()>& inChild);
+    bool pump(int milliseconds);
+
+    pseudo_terminal pty;
+    terminal_screen display;
+    std::string allOutput;
+    std::string timesBlockedAtLastKey;
+    pid_t child = -1;
+    int resultPipe = -1;
+    int waitStatus = -1;
+    bool ended = false;
+};

@@ -1,0 +1,94 @@
+#include "support/input_watch.hpp"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <thread>
+
+namespace {
+
+class input_watch_test : public testing::Test {
+protected:
+    input_watch_test() { EXPECT_EQ(0, pipe(ends.data())); }
+    ~input_watch_test() override {
+        close(ends[0]);
+        close(ends[1]);
+    }
+
+    std::array<int, 2> ends{};
+};
+
+std::ptrdiff_t openDescriptors() {
+    const std::filesystem::directory_iterator open("/proc/self/fd");
+    return std::distance(begin(open), end(open));
+}
+
+}  // namespace
+
+TEST_F(input_watch_test, SeesWhatCanBeRead) {
+    const input_watch watch(ends[0]);
+    EXPECT_FALSE(watch.waitReadable(0));
+    ASSERT_EQ(1, write(ends[1], "x", 1));
+    EXPECT_TRUE(watch.waitReadable(input_watch::noTimeLimit));
+}
+
+TEST_F(input_watch_test, AnswersNoForWhatCannotBeWatched) {
+    std::FILE* file = std::tmpfile();
+    EXPECT_FALSE(input_watch(fileno(file)).waitReadable(input_watch::noTimeLimit));
+    std::fclose(file);
+    EXPECT_FALSE(input_watch(-1).waitReadable(input_watch::noTimeLimit));
+}
+
+TEST_F(input_watch_test, ClosesItsDescriptorUnlessToldOtherwise) {
+    const std::ptrdiff_t before = openDescriptors();
+    { const input_watch watch(ends[0]); }
+    EXPECT_EQ(before, openDescriptors());
+    {
+        input_watch watch(ends[0]);
+        watch.leaveOpen();
+        EXPECT_FALSE(watch.waitReadable(0));
+    }
+    EXPECT_EQ(before + 1, openDescriptors());
+}
+
+// A child program is not to inherit hundreds of them.
+TEST_F(input_watch_test, IsClosedInChildPrograms) {
+    const int lowest = dup(ends[0]);
+    close(lowest);
+    const input_watch watch(ends[0]);
+    EXPECT_EQ(FD_CLOEXEC, fcntl(lowest, F_GETFD));
+}
+
+namespace {
+
+int interruptions = 0;
+
+}  // namespace
+
+// Nine interruptions are survived, the tenth ends the wait.
+TEST_F(input_watch_test, GivesUpAtTheTenthInterruption) {
+    interruptions = 0;
+    struct sigaction action {};
+    action.sa_handler = [](int) { ++interruptions; };
+    sigaction(SIGUSR1, &action, nullptr);
+    const pthread_t waiting = pthread_self();
+    std::atomic<bool> done = false;
+    std::thread interrupter([&] {
+        while (!done) {
+            pthread_kill(waiting, SIGUSR1);
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+    });
+    const bool readable = input_watch(ends[0]).waitReadable(input_watch::noTimeLimit);
+    done = true;
+    interrupter.join();
+    EXPECT_FALSE(readable);
+    EXPECT_GE(interruptions, 10);
+}

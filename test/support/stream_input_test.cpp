@@ -1,0 +1,200 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <climits>
+#include <cstdio>
+#include <filesystem>
+
+#include "harness/terminal_session.hpp"
+#include "harness/test_surroundings.hpp"
+#include "support/menu_exception.hpp"
+#include "support/stream.hpp"
+
+namespace {
+
+struct open_stream : stream {
+    using stream::currentInput;
+};
+
+/// What one read yields: the count and the input.
+std::string readOnce(open_stream& input) {
+    try {
+        const int count = input.readInput();
+        return std::to_string(count) + ":" + input.currentInput;
+    } catch (const menu_exception& end) {
+        return end.what();
+    }
+}
+
+std::string readKeys(int reads) {
+    setRawMode();
+    open_stream input;
+    std::string all;
+    for (int i = 0; i < reads; ++i) {
+        all += readOnce(input) + ";";
+    }
+    return all;
+}
+
+std::string pressed(const std::vector<std::string>& keys) {
+    terminal_session session([&] { return readKeys(static_cast<int>(keys.size())); });
+    for (const std::string& key : keys) {
+        session.press(key);
+    }
+    return session.result();
+}
+
+open_stream holding(const std::string& text) {
+    open_stream input;
+    input.currentInput = text;
+    return input;
+}
+
+std::ptrdiff_t openDescriptors() {
+    const std::filesystem::directory_iterator open("/proc/self/fd");
+    return std::distance(begin(open), end(open));
+}
+
+}  // namespace
+
+TEST(ReadInput, TakesOneKeyAfterTheOther) { EXPECT_EQ("1:1;1:x;1:\n;", pressed({"1", "x", "\r"})); }
+
+TEST(ReadInput, TakesAWholeArrowKey) {
+    EXPECT_EQ("3:\x1b[A;3:\x1bOB;", pressed({"\x1b[A", "\x1bOB"}));
+}
+
+TEST(ReadInput, TakesALoneEscape) { EXPECT_EQ("1:\x1b;1:2;", pressed({"\x1b", "2"})); }
+
+TEST(ReadInput, ThrowsAwayWhatWasTypedEarlier) {
+    terminal_session session([] {
+        setRawMode();
+        while (getchar() != 'g') {  // the test's own sign that all is typed
+            clearerr(stdin);
+        }
+        return readKeys(1);
+    });
+    session.type("123g456");
+    session.press("7");
+    EXPECT_EQ("1:7;", session.result());
+}
+
+// A serial line delivers an arrow key in pieces: the read goes on until the sequence is whole. The
+// pieces may come 50 ms apart, which a busy machine may miss, but not every time.
+TEST(ReadInput, WaitsForTheRestOfASequence) {
+    for (const std::string sequence : {"\x1b[A", "\x1bOA", "\x1b[1;5A"}) {
+        const std::string whole = std::to_string(sequence.size()) + ":" + sequence + ";";
+        std::string result;
+        for (int tries = 0; tries < 20 && result != whole; ++tries) {
+            terminal_session session([] { return readKeys(1); });
+            session.awaitKeyWait();
+            for (const char byte : sequence) {
+                session.await([&] { return !session.isWaitingForKey() || byte == '\x1b'; },
+                              "the read to go on");
+                session.type(std::string(1, byte));
+            }
+            result = session.result();
+        }
+        EXPECT_EQ(whole, result);
+    }
+}
+
+// Waiting behind each of 40 finished sequences would take 2 s at least.
+TEST(ReadInput, DoesNotWaitBehindAFinishedSequence) {
+    constexpr int reads = 40;
+    terminal_session session([] {
+        readKeys(1);
+        const auto start = std::chrono::steady_clock::now();
+        readKeys(reads);
+        const auto duration = std::chrono::steady_clock::now() - start;
+        return std::string(duration < std::chrono::seconds(2) ? "quick" : "slow");
+    });
+    for (int i = 0; i <= reads; ++i) {
+        session.press("\x1b[A");
+    }
+    EXPECT_EQ("quick", session.result());
+}
+
+TEST(ReadInput, EndsTheMenuAtCtrlC) {
+    EXPECT_EQ("user interruption;", pressed({"\x03"}));
+    EXPECT_EQ("user interruption;", pressed({"\x1b[\x03"}));
+}
+
+TEST(ReadInput, YieldsNothingAtEndOfFile) {
+    open_stream input;
+    const typed_input nothing("");
+    EXPECT_EQ("0:", readOnce(input));
+}
+
+// A regular file cannot be waited for: an empty input, no exception.
+TEST(ReadInput, YieldsNothingWhereItCannotWait) {
+    open_stream input;
+    const int original = dup(STDIN_FILENO);
+    std::FILE* file = std::tmpfile();
+    dup2(fileno(file), STDIN_FILENO);
+    const std::string result = readOnce(input);
+    dup2(original, STDIN_FILENO);
+    close(original);
+    std::fclose(file);
+    EXPECT_EQ("0:", result);
+}
+
+TEST(ReadInput, LeavesOneDescriptorOpenForEachKeyTyped) {
+    terminal_session session([] {
+        setRawMode();
+        open_stream input;
+        const std::ptrdiff_t before = openDescriptors();
+        readOnce(input);
+        readOnce(input);
+        return std::to_string(openDescriptors() - before);
+    });
+    session.press("1");
+    session.press("\x1b");
+    EXPECT_EQ("2", session.result());
+}
+
+TEST(QueueInput, IsReadBeforeTheTerminal) {
+    open_stream input;
+    const typed_input keyboard("9");
+    input.queueInput("2");
+    input.queueInput("");
+    EXPECT_EQ("1:2", readOnce(input));
+    EXPECT_EQ("user interruption", readOnce(input));
+    EXPECT_EQ('9', getchar());  // untouched so far
+}
+
+TEST(QueueInput, InterruptsWithAnyTextThatEndsInCtrlC) {
+    open_stream input;
+    input.queueInput("12\x03");
+    EXPECT_EQ("user interruption", readOnce(input));
+}
+
+TEST(Classification, TellsNumbersFromOtherInput) {
+    EXPECT_TRUE(holding("12").isNumber());
+    EXPECT_TRUE(holding("").isNumber());
+    EXPECT_FALSE(holding("1a").isNumber());
+    EXPECT_FALSE(holding("-1").isNumber());
+}
+
+TEST(Classification, ReadsTheNumberAtTheStart) {
+    EXPECT_EQ(12, holding("12x").inputAsNumber());
+    EXPECT_EQ(1, holding("1a").inputAsNumber());
+    EXPECT_EQ(7, holding("  7").inputAsNumber());
+    EXPECT_EQ(0, holding("abc").inputAsNumber());
+    EXPECT_EQ(0, holding("").inputAsNumber());
+    EXPECT_EQ(INT_MAX, holding("99999999999999999999").inputAsNumber());
+}
+
+TEST(Classification, TakesALoneEscapeForNoSequence) {
+    EXPECT_TRUE(holding("\x1b[A").isEscapeSequence());
+    EXPECT_TRUE(holding("\x1bx").isEscapeSequence());
+    EXPECT_FALSE(holding("\x1b").isEscapeSequence());
+    EXPECT_FALSE(holding("x\x1b").isEscapeSequence());
+}
+
+TEST(Classification, TakesExactlyOneLineFeedForEnter) {
+    EXPECT_TRUE(holding("\n").isEnter());
+    EXPECT_FALSE(holding("\n\n").isEnter());
+    EXPECT_FALSE(holding("\r").isEnter());
+    EXPECT_FALSE(holding("").isEnter());
+}

@@ -1,0 +1,345 @@
+#include "term/termcurses.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+#include "harness/package_folder.hpp"
+#include "harness/terminal_session.hpp"
+#include "harness/test_surroundings.hpp"
+
+namespace {
+
+// The sequences of "linux", whose arrow keys send the normal form.
+constexpr const char* linuxClear = "\x1b[H\x1b[J";
+constexpr const char* linuxHide = "\x1b[?25l\x1b[?1c";
+constexpr const char* linuxShow = "\x1b[?25h\x1b[?0c";
+constexpr const char* linuxReset = "\x1b[m\x0f";
+
+void useTerminal(const char* name) {
+    if (name == nullptr) {
+        unsetenv("TERM");
+    } else {
+        setenv("TERM", name, 1);
+    }
+}
+
+/// What the call returns, in a child on a terminal of this type.
+std::string on(const char* name, const std::function<std::string(termcurses&)>& call) {
+    return terminal_session([&] {
+               useTerminal(name);
+               termcurses terminal;
+               return call(terminal);
+           })
+        .result();
+}
+
+/// What the call prints to a "linux" terminal.
+std::string printed(const std::function<void(termcurses&)>& call) {
+    terminal_session session([&] {
+        useTerminal("linux");
+        termcurses terminal;
+        std::fputs("<", stdout);
+        call(terminal);
+        std::fputs(">", stdout);
+        return std::string();
+    });
+    session.awaitEnd();
+    const std::string& output = session.output();
+    const std::size_t start = output.find('<') + 1;
+    return output.substr(start, output.rfind('>') - start);
+}
+
+std::string constructionFailure(const char* name) {
+    return on(name, [](termcurses&) { return std::string("constructed"); });
+}
+
+/// Describes terminals of the test's own; see tic(1).
+class own_terminals {
+public:
+    explicit own_terminals(const std::string& description) {
+        folder.write("own.ti", description);
+        const std::string command = "tic -x -o " + folder.root().string() + " " +
+                                    (folder.root() / "own.ti").string() + " 2>/dev/null";
+        EXPECT_EQ(0, std::system(command.c_str()));
+        setenv("TERMINFO", folder.root().c_str(), 1);
+    }
+    ~own_terminals() { unsetenv("TERMINFO"); }
+
+private:
+    package_folder folder;
+};
+
+}  // namespace
+
+TEST(TermcursesConstruction, ClearsTheScreenAndHidesTheCursor) {
+    terminal_session session([] {
+        useTerminal("linux");
+        const termcurses terminal;
+        std::fputs("end", stdout);
+        return std::string();
+    });
+    session.awaitEnd();
+    EXPECT_EQ(std::string(linuxClear) + linuxHide + "end" + linuxClear + linuxShow,
+              session.output());
+}
+
+TEST(TermcursesConstruction, TakesTheRawModeAndGivesTheUsersBack) {
+    terminal_session session([] {
+        useTerminal("linux");
+        {
+            const termcurses terminal;
+            while (getchar() != 'x') {
+                clearerr(stdin);
+            }
+        }
+        return std::string();
+    });
+    const termios before = pseudo_terminal(24, 80).attributes();
+    session.await([&] { return !session.terminal().isCooked(); }, "the raw mode");
+    const termios during = session.terminal().attributes();
+    session.type("x");
+    session.awaitEnd();
+    const termios after = session.terminal().attributes();
+
+    EXPECT_EQ(before.c_lflag & ~static_cast<tcflag_t>(ISIG | ICANON | ECHO), during.c_lflag);
+    EXPECT_EQ(0, during.c_cc[VMIN]);
+    EXPECT_EQ(0, during.c_cc[VTIME]);
+    EXPECT_EQ(before.c_oflag, during.c_oflag);
+    EXPECT_EQ(before.c_iflag, during.c_iflag);
+    EXPECT_EQ(before.c_lflag, after.c_lflag);
+    EXPECT_EQ(before.c_cc[VMIN], after.c_cc[VMIN]);
+}
+
+// vt100 is what is loaded then, and it has no colours.
+TEST(TermcursesConstruction, TakesVt100WithoutTerm) {
+    EXPECT_EQ("exception: Cannot initialize terminal sequences", constructionFailure(nullptr));
+    EXPECT_EQ("exception: Cannot initialize terminal sequences", constructionFailure(""));
+    const own_terminals own("vt100|test vt100 that can all,\n\tsetaf=F%p1%d,\n\tuse=linux,\n");
+    EXPECT_EQ("F1", on("", [](termcurses& terminal) {
+                  return terminal.parameterise(terminal.sequences.at(3), 1);
+              }));
+}
+
+TEST(TermcursesConstruction, NeedsATerminal) {
+    const typed_input pipe("");
+    EXPECT_EQ("Cannot initialize terminal", thrown<std::invalid_argument>([] { termcurses(); }));
+}
+
+TEST(TermcursesConstruction, NeedsEverySequence) {
+    const own_terminals own("no-civis|linux without civis,\n\tcivis@,\n\tuse=linux,\n");
+    EXPECT_EQ("exception: Cannot initialize terminal sequences", constructionFailure("no-civis"));
+}
+
+TEST(TermcursesConstruction, NeedsArrowKeysOfAnsiForm) {
+    const own_terminals own("other-keys|linux with other keys,\n\tkcuu1=^K,\n\tuse=linux,\n");
+    EXPECT_EQ("exception: Cannot match alternative terminal sequence",
+              constructionFailure("other-keys"));
+}
+
+TEST(TermcursesConstruction, LeavesItToTerminfoToEndAtAnUnknownTerminal) {
+    terminal_session session([] {
+        useTerminal("no-such-terminal");
+        const termcurses terminal;
+        return std::string("constructed");
+    });
+    EXPECT_EQ("", session.result());
+    EXPECT_EQ(1, WEXITSTATUS(session.awaitEnd()));
+    EXPECT_TRUE(session.screen().contains("unknown terminal type")) << session.output();
+}
+
+TEST(TermcursesSequences, AreLoadedForEveryCapability) {
+    EXPECT_EQ("16 \x1b[A \x1bOA \x1b[B \x1bOB", on("linux", [](termcurses& terminal) {
+                  std::string all = std::to_string(terminal.sequences.size());
+                  for (const std::uint32_t id : {12U, 13U, 14U, 15U}) {
+                      all += " " + terminal.sequences.at(id);
+                  }
+                  return all;
+              }));
+    EXPECT_EQ("\x1bOA \x1b[A", on("xterm", [](termcurses& terminal) {
+                  return terminal.sequences.at(12) + " " + terminal.sequences.at(13);
+              }));
+}
+
+TEST(TermcursesSequences, HaveAnAlternativeOfThreeCharacters) {
+    EXPECT_EQ("\x1bO1 \x1b[5 \x1bO", on("linux", [](termcurses& terminal) {
+                  return terminal.alternative("\x1b[1~") + " " + terminal.alternative("\x1bO5x") +
+                         " " + terminal.alternative("\x1b[");
+              }));
+    EXPECT_EQ("exception: Cannot match alternative terminal sequence",
+              on("linux", [](termcurses& terminal) { return terminal.alternative("ab"); }));
+}
+
+TEST(TermcursesSequences, CannotBeLookedUpWhereTheTerminalHasNone) {
+    EXPECT_EQ("exception: Cannot initialize terminal sequences",
+              on("linux", [](termcurses& terminal) { return terminal.lookUp("kf63"); }));
+}
+
+TEST(TermcursesSequences, AreReachedWithACheck) {
+    EXPECT_EQ("out of range", on("linux", [](termcurses& terminal) -> std::string {
+                  const std::string bold = terminal.sequences.at(7);
+                  terminal.sequences.erase(7);
+                  try {
+                      terminal.setBold();
+                  } catch (const std::out_of_range&) {
+                      terminal.sequences[7] = bold;
+                      return "out of range";
+                  }
+                  return "printed";
+              }));
+}
+
+TEST(TermcursesPrint, RefusesAnEmptySequenceEvenWhenSilent) {
+    EXPECT_EQ("Cannot print terminal line", on("linux", [](termcurses& terminal) {
+                  terminal.silent = true;
+                  return thrown<std::runtime_error>([&] { terminal.print(""); });
+              }));
+    EXPECT_EQ("", printed([](termcurses& terminal) {
+                  terminal.silent = true;
+                  terminal.print("x");
+                  terminal.silent = false;
+              }));
+}
+
+TEST(TermcursesOutput, KnowsFourScreenCommands) {
+    const auto command = [](int number) {
+        return printed([number](termcurses& terminal) { terminal.screenCommand(number); });
+    };
+    EXPECT_EQ(linuxClear, command(0));
+    EXPECT_EQ(linuxHide, command(1));
+    EXPECT_EQ(linuxShow, command(2));
+    EXPECT_EQ(linuxReset, command(3));
+    EXPECT_EQ("", command(4));
+    EXPECT_EQ("", command(-1));
+}
+
+TEST(TermcursesOutput, SetsColoursAndBold) {
+    EXPECT_EQ("\x1b[37m\x1b[44m\x1b[1m", printed([](termcurses& terminal) {
+                  terminal.setForeground(7);
+                  terminal.setBackground(4);
+                  terminal.setBold();
+              }));
+}
+
+TEST(TermcursesOutput, HighlightsWithoutPrinting) {
+    EXPECT_EQ("", printed([](termcurses& terminal) { terminal.highlight("x"); }));
+    EXPECT_EQ("\x1b[7mtext\x1b[m\x0f",
+              on("linux", [](termcurses& terminal) { return terminal.highlight("text"); }));
+    EXPECT_EQ("\x1b[7m\x1b[m\x0f",
+              on("linux", [](termcurses& terminal) { return terminal.highlight(""); }));
+}
+
+TEST(TermcursesOutput, GoesUpFromTheStartOfTheLine) {
+    EXPECT_EQ(
+        "\x1b"
+        "7\r\x1b[14A",
+        printed([](termcurses& terminal) { terminal.cursorUp(14); }));
+    EXPECT_EQ(
+        "\x1b"
+        "7\r\x1b[0A",
+        printed([](termcurses& terminal) { terminal.cursorUp(0); }));
+}
+
+TEST(TermcursesKeys, HaveSequences) {
+    EXPECT_EQ("\x1b[A|\x1b[B|\n||", on("linux", [](termcurses& terminal) {
+                  std::string all;
+                  for (const std::uint32_t key : {0U, 1U, 2U, 3U}) {
+                      all += terminal.keySequence(key) + "|";
+                  }
+                  return all;
+              }));
+}
+
+TEST(TermcursesKeys, AreRecognisedInBothForms) {
+    const auto recognised = [](std::uint32_t key, const std::string& input) {
+        return on("linux", [&](termcurses& terminal) {
+            return std::string(terminal.isKey(key, input) ? "yes" : "no");
+        });
+    };
+    EXPECT_EQ("yes", recognised(0, "\x1b[A"));
+    EXPECT_EQ("yes", recognised(0, "\x1bOA"));
+    EXPECT_EQ("yes", recognised(1, "\x1b[B"));
+    EXPECT_EQ("yes", recognised(1, "\x1bOB"));
+    EXPECT_EQ("no", recognised(0, "\x1b[B"));
+    EXPECT_EQ("no", recognised(0, "\x1b[Ax"));
+    EXPECT_EQ("no", recognised(0, "\x1b["));
+    EXPECT_EQ("no", recognised(2, "\n"));
+}
+
+TEST(TermcursesMode, SwitchesModeScreenAndCursor) {
+    const auto mode = [](std::uint32_t number) {
+        return printed([number](termcurses& terminal) { terminal.setMode(number); });
+    };
+    EXPECT_EQ("", mode(0));
+    EXPECT_EQ("", mode(1));
+    EXPECT_EQ(std::string(linuxClear) + linuxHide, mode(2));
+    EXPECT_EQ(std::string(linuxClear) + linuxShow, mode(3));
+    EXPECT_EQ(linuxShow, mode(4));
+    EXPECT_EQ("", mode(5));
+}
+
+TEST(TermcursesMode, GivesTheUsersAttributesBackInBetween) {
+    EXPECT_EQ("raw user raw", on("linux", [](termcurses& terminal) {
+                  const auto now = [] {
+                      termios attributes{};
+                      tcgetattr(STDIN_FILENO, &attributes);
+                      return std::string((attributes.c_lflag & ICANON) != 0 ? "user" : "raw");
+                  };
+                  std::string all = now();
+                  terminal.setMode(1);
+                  all += " " + now();
+                  terminal.setMode(0);
+                  return all + " " + now();
+              }));
+}
+
+// The saved attributes are those of the last time: taken twice, the user's are lost.
+TEST(TermcursesMode, SavesTheAttributesAtEveryInitialisation) {
+    terminal_session session([] {
+        useTerminal("linux");
+        termcurses terminal;
+        terminal.setMode(0);
+        return std::string();
+    });
+    session.awaitEnd();
+    EXPECT_FALSE(session.terminal().isCooked());
+}
+
+TEST(TermcursesMode, RefusesAnyOtherKindOfInitialisation) {
+    EXPECT_EQ("Cannot un-initialize terminal", on("linux", [](termcurses& terminal) {
+                  return thrown<std::invalid_argument>(
+                      [&] { terminal.initTerminal(static_cast<term_init_t>(2)); });
+              }));
+}
+
+TEST(TermcursesWindow, HasTheSizeOfTheTerminal) {
+    terminal_session session(
+        [] {
+            const window_size_t size = termcurses::windowSize();
+            return std::to_string(size.rows) + "x" + std::to_string(size.columns);
+        },
+        31, 97);
+    EXPECT_EQ("31x97", session.result());
+}
+
+TEST(TermcursesWindow, IsUnknownWithoutATerminal) {
+    const captured_output output;
+    EXPECT_EQ(window_size_t{}, termcurses::windowSize());
+}
+
+// A failure to give the terminal back must not be hidden.
+TEST(TermcursesDestruction, EndsTheProcessOnFailure) {
+    terminal_session session([] {
+        useTerminal("linux");
+        termcurses terminal;
+        terminal.sequences.erase(0);
+        return std::string();
+    });
+    const int status = session.awaitEnd();
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT) << status;
+}
