@@ -6,16 +6,20 @@
 #include <stdexcept>
 
 #include "app/gui.hpp"
+#include "app/menu_tables.hpp"
 
 namespace {
 
 constexpr int warningPauseSeconds = 1;
 
+constexpr unsigned char del = 0x7f;
+constexpr unsigned char lastC1 = 0x9f;
+
 /// Repeated on a terminal, a control character may leave it in the middle of a sequence.
 bool hasControlCharacter(const std::string& text) {
     return std::any_of(text.begin(), text.end(), [](char character) {
         const auto code = static_cast<unsigned char>(character);
-        return code < 0x20 || (code >= 0x7f && code < 0xa0);
+        return code < ' ' || (code >= del && code <= lastC1);
     });
 }
 
@@ -76,19 +80,18 @@ void gui::showMenuOnce() {
 }
 
 void gui::composeHeader(menu_elem_t& menu) const {
-    static const std::map<int, std::string> headers{
-        {0, "This tool will update Varn FW --> Rel. " + getInfo(release_firmware)},
-        {1, "Varn-FW: " + getInfo(release_firmware)},
-        {2, "SDRR: " + getInfo(release_sdr)},
-        {3, "for " + getInfo(release_system)}};
+    static const std::map<int, std::string> headers{{0, titleBeginning + getInfo(release_firmware)},
+                                                    {1, "Varn-FW: " + getInfo(release_firmware)},
+                                                    {2, "SDRR: " + getInfo(release_sdr)},
+                                                    {3, "for " + getInfo(release_system)}};
     const std::string margin(7, ' ');
     std::string title;
     std::string information;
     for (const auto& [part, text] : headers) {
         if (part == 0) {
-            title = margin + text + margin;
+            title.append(margin).append(text).append(margin);
         } else {
-            information += text + "  ";
+            information.append(text).append(2, ' ');
         }
     }
     menu.lines.at(menu.headerLine).text = title;

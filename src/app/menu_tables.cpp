@@ -32,12 +32,13 @@ struct row_t {
     line_kind_t kind;
 };
 
-// The title's and the information line's texts give way to the release values when drawn.
-constexpr const char* titleText = "This tool will update Varn FW --> Rel. ";
 constexpr const char* noticeText = "(c) 2026 Varn Firmware Tools";
 
+constexpr menu_item_t mainInformation = 12;
+constexpr menu_item_t legalInformation = 11;
+
 constexpr std::array mainRows{
-    row_t{0, titleText, title},
+    row_t{0, titleBeginning, title},
     row_t{main_menu::normalFlash, "Normal Flash of inactive Image with version validation", entry},
     row_t{main_menu::forcedFlash1st, "Forced Normal Flash of 1st Image", entry},
     row_t{main_menu::forcedFlash2nd, "Forced Normal Flash of 2nd Image", entry},
@@ -49,12 +50,12 @@ constexpr std::array mainRows{
     row_t{main_menu::reboot, "Reboot Varn", entry},
     row_t{main_menu::exit, "Exit", entry},
     row_t{11, "> ", prompt},
-    row_t{12, "", information},
+    row_t{mainInformation, "", information},
     row_t{13, noticeText, notice},
 };
 
 constexpr std::array legalRows{
-    row_t{0, titleText, title},
+    row_t{0, titleBeginning, title},
     row_t{1, "#LEGAL DOCUMENTS", title},
     row_t{legal_menu::eula, "EULA", entry},
     row_t{legal_menu::licenceFlashtools, "TPL Flashtools", entry},
@@ -64,7 +65,7 @@ constexpr std::array legalRows{
     row_t{8, "", blank},
     row_t{legal_menu::exit, "Exit", entry},
     row_t{10, "> ", prompt},
-    row_t{11, "", information},
+    row_t{legalInformation, "", information},
     row_t{12, noticeText, notice},
 };
 
@@ -81,6 +82,6 @@ menu_elem_t makeMenu(const std::array<row_t, count>& rows, menu_item_t informati
 
 }  // namespace
 
-menu_elem_t makeMainMenu() { return makeMenu(mainRows, 12); }
+menu_elem_t makeMainMenu() { return makeMenu(mainRows, mainInformation); }
 
-menu_elem_t makeLegalMenu() { return makeMenu(legalRows, 11); }
+menu_elem_t makeLegalMenu() { return makeMenu(legalRows, legalInformation); }

@@ -26,6 +26,9 @@ inline constexpr menu_item_t copyrightsCentos = 7;
 inline constexpr menu_item_t exit = 9;
 }  // namespace legal_menu
 
+/// How the title of both menus begins; the firmware's release follows when it is drawn.
+inline constexpr const char* titleBeginning = "This tool will update Varn FW --> Rel. ";
+
 /// @return the menu with nothing highlighted and without a callback
 menu_elem_t makeMainMenu();
 menu_elem_t makeLegalMenu();

@@ -10,7 +10,8 @@ namespace {
 constexpr rlim_t mostDescriptors = 65'536;
 
 /// Larger than any drawing of a menu, so that one drawing is one write.
-std::array<char, 65'536> outputBuffer;
+constexpr std::size_t outputBufferSize = 65'536;
+std::array<char, outputBufferSize> outputBuffer;
 
 void resetSignals() {
     sigset_t none;

@@ -46,7 +46,7 @@ bool isUnfinishedSequence(std::string_view bytes) {
 
 }  // namespace
 
-void stream::trace(std::uint32_t level, const std::string& message, const std::string& lead) {
+void stream::trace(std::uint32_t level, const std::string& message, const std::string& lead) const {
     if ((levelMask & level) == 0) {
         return;
     }
@@ -55,7 +55,7 @@ void stream::trace(std::uint32_t level, const std::string& message, const std::s
     std::fflush(stdout);
 }
 
-void stream::trace(const std::string& message) {
+void stream::trace(const std::string& message) const {
     if (!message.empty()) {
         trace(trace_plain, message, "");
     }

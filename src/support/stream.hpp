@@ -13,7 +13,8 @@ enum trace_level_t : std::uint32_t {
     trace_plain = 4,
     trace_warning = 8,
     trace_error = 16,
-    trace_critical = 32
+    trace_critical = 32,
+    trace_all = 0x3f
 };
 
 /// What the user sees and types: trace lines on standard output, and one input after the other,
@@ -21,13 +22,13 @@ enum trace_level_t : std::uint32_t {
 class stream {
 public:
     /// Prints lead, the level's prefix, message and a line feed, and flushes standard output.
-    /// @param level one of trace_level_t; a level without a bit in the mask is dropped
+    /// @param level one bit of trace_level_t; a level without a bit in the mask is dropped
     /// @param lead text ahead of the prefix, usually empty or two line feeds
     /// @throws std::runtime_error when the level passes the mask and is no single known level
-    void trace(std::uint32_t level, const std::string& message, const std::string& lead);
+    void trace(std::uint32_t level, const std::string& message, const std::string& lead) const;
 
     /// Prints message on a line of its own; an empty message prints nothing.
-    void trace(const std::string& message);
+    void trace(const std::string& message) const;
 
     /// Takes the next input: the first queued one, or else one key typed from now on (what was
     /// typed earlier is thrown away). Waits without a time limit.
@@ -57,7 +58,7 @@ protected:
     /// Waits for a byte on standard input without using the processor, at end of file, too.
     static int awaitByte(const input_watch& keyboard);
 
-    std::uint32_t levelMask = 0x3f;
+    std::uint32_t levelMask = trace_all;
     std::string currentInput;
     std::deque<std::string> scriptedInputs;
 

@@ -21,6 +21,7 @@ namespace {
 
 constexpr std::size_t longestEnvironment = 4096;
 constexpr std::size_t longestCommand = 254;
+constexpr int millisecondsPerSecond = 1000;
 constexpr long nanosecondsPerMillisecond = 1'000'000;
 
 std::runtime_error commandFailure() {
@@ -111,7 +112,7 @@ void support::delay(int unit, int amount) {
     if (unit == seconds) {
         interval.tv_sec = amount;
     } else if (unit == milliseconds) {
-        interval.tv_nsec = amount % 1000 * nanosecondsPerMillisecond;
+        interval.tv_nsec = amount % millisecondsPerSecond * nanosecondsPerMillisecond;
     }
     if (nanosleep(&interval, &interval) != 0) {
         const auto shown =
@@ -122,12 +123,14 @@ void support::delay(int unit, int amount) {
 
 bool support::fileExists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
 
-std::string support::fileName(const std::string& path) {
+std::string support::fileName(const std::string& path) const {
     return path.substr(path.rfind('/') + 1);  // without a slash: npos + 1 is the start
 }
 
 std::string support::newLines(int count) {
-    return std::string(static_cast<std::size_t>(std::max(count, 0)), '\n');
+    std::string lines;
+    lines.resize(static_cast<std::size_t>(std::max(count, 0)), '\n');
+    return lines;
 }
 
 void support::removeChar(std::string& text, char character) { std::erase(text, character); }

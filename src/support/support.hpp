@@ -49,7 +49,7 @@ public:
     static bool fileExists(const std::string& path);
 
     /// @return the last component of path; empty for one that ends in a slash
-    static std::string fileName(const std::string& path);
+    std::string fileName(const std::string& path) const;
 
     /// @return count line feeds, none for a count below 1
     static std::string newLines(int count);

@@ -95,7 +95,7 @@ void termcurses::initTermcurses() {
             throw std::runtime_error("Cannot print terminal line");
         }
     };
-    parameterise = [this](const std::string& sequence, std::int32_t number) -> std::string {
+    parameterise = [](const std::string& sequence, std::int32_t number) -> std::string {
         const char* text =
             tparm(sequence.c_str(), static_cast<long>(number), 0L, 0L, 0L, 0L, 0L, 0L, 0L, 0L);
         if (text == nullptr) {
@@ -103,14 +103,14 @@ void termcurses::initTermcurses() {
         }
         return text;
     };
-    lookUp = [this](const std::string& name) -> std::string {
+    lookUp = [](const std::string& name) -> std::string {
         const char* text = tigetstr(name.c_str());
         if (text == nullptr) {
             throw std::invalid_argument("Cannot initialize terminal sequences");
         }
         return text;
     };
-    alternative = [this](const std::string& sequence) -> std::string {
+    alternative = [](const std::string& sequence) -> std::string {
         if (sequence.starts_with("\x1b[")) {
             return "\x1bO" + sequence.substr(2, 1);
         }
@@ -119,7 +119,7 @@ void termcurses::initTermcurses() {
         }
         throw std::invalid_argument("Cannot match alternative terminal sequence");
     };
-    initTerminal = [this](term_init_t kind) {
+    initTerminal = [](term_init_t kind) {
         if (kind == TERM_INIT) {
             if (!takeTerminal()) {
                 throw std::invalid_argument("Cannot initialize terminal");

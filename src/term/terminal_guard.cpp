@@ -15,10 +15,12 @@ constexpr std::array fatalSignals{SIGHUP,  SIGINT,  SIGQUIT, SIGILL,  SIGABRT,
                                   SIGBUS,  SIGFPE,  SIGUSR1, SIGSEGV, SIGUSR2,
                                   SIGPIPE, SIGALRM, SIGTERM, SIGXCPU, SIGXFSZ};
 
+constexpr std::size_t longestSequence = 63;
+
 // Read by the signal handler, hence plain static storage.
 termios userAttributes{};
 volatile std::sig_atomic_t attributesKnown = 0;
-std::array<char, 63> cursorSequence{};
+std::array<char, longestSequence> cursorSequence{};
 volatile std::sig_atomic_t cursorLength = 0;
 
 /// Safe in a signal handler. SIGTTOU is held back, or a process in the background would be

@@ -82,11 +82,11 @@ TEST_F(support_test, TellsWhatExists) {
     EXPECT_FALSE(support::fileExists("../missing"));
 }
 
-TEST(SupportTexts, FileNameIsTheLastComponent) {
-    EXPECT_EQ("varnmenu", support::fileName("/opt/pkg/varnmenu"));
-    EXPECT_EQ("varnmenu", support::fileName("varnmenu"));
-    EXPECT_EQ("", support::fileName("dir/"));
-    EXPECT_EQ("", support::fileName(""));
+TEST_F(support_test, FileNameIsTheLastComponent) {
+    EXPECT_EQ("varnmenu", support().fileName("/opt/pkg/varnmenu"));
+    EXPECT_EQ("varnmenu", support().fileName("varnmenu"));
+    EXPECT_EQ("", support().fileName("dir/"));
+    EXPECT_EQ("", support().fileName(""));
 }
 
 TEST(SupportTexts, NewLinesAreAsManyAsAskedFor) {
