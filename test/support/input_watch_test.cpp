@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/epoll.h>
 #include <unistd.h>
 
 #include <array>
@@ -64,6 +65,17 @@ TEST_F(input_watch_test, IsClosedInChildPrograms) {
     close(lowest);
     const input_watch watch(ends[0]);
     EXPECT_EQ(FD_CLOEXEC, fcntl(lowest, F_GETFD));
+}
+
+// Left open as it is, it would be woken at every key from then on, like all others of its kind.
+TEST_F(input_watch_test, WatchesNothingOnceLeftOpen) {
+    const int lowest = dup(ends[0]);
+    close(lowest);
+    input_watch watch(ends[0]);
+    watch.leaveOpen();
+    ASSERT_EQ(1, write(ends[1], "x", 1));
+    epoll_event event{};
+    EXPECT_EQ(0, epoll_wait(lowest, &event, 1, 0));
 }
 
 namespace {

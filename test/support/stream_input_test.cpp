@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
+#include <array>
 #include <chrono>
 #include <climits>
 #include <cstdio>
@@ -43,6 +45,18 @@ std::string pressed(const std::vector<std::string>& keys) {
         session.press(key);
     }
     return session.result();
+}
+
+/// What one read yields with this as standard input.
+std::string readFrom(int descriptor) {
+    const int original = dup(STDIN_FILENO);
+    dup2(descriptor, STDIN_FILENO);
+    close(descriptor);
+    open_stream input;
+    const std::string result = readOnce(input);
+    dup2(original, STDIN_FILENO);
+    close(original);
+    return result;
 }
 
 open_stream holding(const std::string& text) {
@@ -121,22 +135,18 @@ TEST(ReadInput, EndsTheMenuAtCtrlC) {
 }
 
 TEST(ReadInput, YieldsNothingAtEndOfFile) {
-    open_stream input;
-    const typed_input nothing("");
-    EXPECT_EQ("0:", readOnce(input));
+    std::array<int, 2> ends{};
+    ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()));
+    close(ends[1]);  // readable for ever, and never a byte
+    EXPECT_EQ("0:", readFrom(ends[0]));
 }
 
-// A regular file cannot be waited for: an empty input, no exception.
 TEST(ReadInput, YieldsNothingWhereItCannotWait) {
-    open_stream input;
-    const int original = dup(STDIN_FILENO);
     std::FILE* file = std::tmpfile();
-    dup2(fileno(file), STDIN_FILENO);
-    const std::string result = readOnce(input);
-    dup2(original, STDIN_FILENO);
-    close(original);
+    EXPECT_EQ("0:", readFrom(dup(fileno(file))));
     std::fclose(file);
-    EXPECT_EQ("0:", result);
+    const typed_input pipeAtItsEnd("");
+    EXPECT_EQ("0:", readFrom(dup(STDIN_FILENO)));
 }
 
 TEST(ReadInput, LeavesOneDescriptorOpenForEachKeyTyped) {
