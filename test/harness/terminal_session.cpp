@@ -192,8 +192,12 @@ bool terminal_session::isWaitingForMore() const {
 }
 
 void terminal_session::awaitKeyWait() {
-    await([&] { return isWaitingForKey() && timesBlocked(child) != timesBlockedAtLastKey; },
-          "a wait for a key");
+    // The looks at a moving process do not happen at once: they have to agree on one sleep.
+    const auto isAtNextKey = [this] {
+        const std::string sleep = timesBlocked(child);
+        return sleep != timesBlockedAtLastKey && isWaitingForKey() && sleep == timesBlocked(child);
+    };
+    await(isAtNextKey, "a wait for a key");
     while (pump(0)) {
     }
 }
