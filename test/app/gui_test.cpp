@@ -161,6 +161,13 @@ TEST_F(gui_test, ChecksTheHeadersLines) {
     }
 }
 
+TEST_F(gui_test, SaysThatThereWasNoInput) {
+    EXPECT_EQ("Cannot extract user input", with([](open_gui& application) {
+                  const typed_input nothing("");
+                  return thrown<std::runtime_error>([&] { application.showMenuOnce(); });
+              }));
+}
+
 TEST_F(gui_test, NeedsACallback) {
     EXPECT_EQ("bad_function_call", with([](open_gui& application) {
                   application.menus.at(0).callback = nullptr;
