@@ -62,7 +62,7 @@ release_info::release_info()
     if (!infoFileExists()) {
         throw std::invalid_argument("Info file is missing");
     }
-    if (readInfoFile() != static_cast<int>(store.size())) {
+    if (readInfoFile() != static_cast<int>(store.size()) || !everyKeyInItsPlace) {
         throw std::invalid_argument("Info file has not all needed data or provided is not proper");
     }
 }
@@ -80,11 +80,10 @@ bool release_info::infoFileExists() { return fileExists(releaseFilePath); }
 int release_info::readInfoFile() {
     std::set<std::int32_t> taken;
     int matched = 0;
-    bool proper = true;
     bool anyEmpty = false;
     line_reader file(releaseFilePath);
     while (file.next()) {
-        proper = proper && !anyEmpty;
+        everyKeyInItsPlace = everyKeyInItsPlace && !anyEmpty;
         for (const auto id : matchOrder) {
             std::string& text = store.at(id);
             if (file.line.starts_with(text)) {
@@ -94,10 +93,10 @@ int release_info::readInfoFile() {
                 text = value;
                 ++matched;
                 anyEmpty = anyEmpty || value.empty();
-                proper = taken.insert(id).second && proper;
+                everyKeyInItsPlace = taken.insert(id).second && everyKeyInItsPlace;
                 break;
             }
         }
     }
-    return proper ? matched : 0;
+    return matched;
 }

@@ -8,10 +8,6 @@ namespace {
 
 constexpr const char* notProper = "Info file has not all needed data or provided is not proper";
 
-struct open_release_info : release_info {
-    using release_info::readInfoFile;
-};
-
 class release_info_test : public testing::Test {
 protected:
     void given(const std::string& text) { package.write("releasefile-information.txt", text); }
@@ -131,11 +127,4 @@ TEST_F(release_info_test, HasNoValuesForOtherIds) {
         EXPECT_EQ("Release info for given id not available",
                   thrown<std::invalid_argument>([&] { static_cast<void>(info.getInfo(id)); }));
     }
-}
-
-// Once the values are stored, the keys match nothing any more.
-TEST_F(release_info_test, ComparesLaterLinesWithTheValues) {
-    open_release_info info;
-    EXPECT_EQ(0, info.readInfoFile());
-    EXPECT_EQ("2.41", info.getInfo(0));
 }
