@@ -37,8 +37,8 @@ operation_table_t makeOperationTable(const std::string& imagePath) {
 
 }  // namespace
 
-const std::string flashtools::corePath = coreDirectory + coreFileName;
 const std::string flashtools::debugArgument = "/logDebug";
+const std::string flashtools::corePath = coreDirectory + coreFileName;
 
 flashtools::flashtools(bool evaluate, const std::vector<std::pair<int, int>>& operations)
     : evalMode(evaluate) {

@@ -3,6 +3,8 @@
 #include <array>
 #include <csignal>
 
+#include "support/blocked_signals.hpp"
+
 /// Keeps a dropped connection or an interrupt key from ending a firmware write half-way. As long
 /// as it lives, SIGHUP, SIGINT and SIGQUIT are ignored, and so they are in a program started
 /// meanwhile. One that came in for this process takes its usual effect when the hold ends.
@@ -17,6 +19,10 @@ public:
 private:
     static constexpr std::array held{SIGHUP, SIGINT, SIGQUIT};
 
-    sigset_t mask{};
+    // Blocked as well as ignored. Ignored is what the child is to inherit; and a signal that is
+    // both is kept by Linux (it never throws a blocked one away, as it may be unblocked with
+    // another action), so that it is still there when the old action is back. To ignore a signal
+    // drops one that is already pending: what comes in between is lost, the flash is not.
+    blocked_signals blocked{SIGHUP, SIGINT, SIGQUIT};
     std::array<struct sigaction, held.size()> actions{};
 };
