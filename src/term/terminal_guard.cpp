@@ -1,54 +1,67 @@
 #include "term/terminal_guard.hpp"
 
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
 
-/// The signals whose default action ends the process and which can be taken over.
-constexpr std::array fatalSignals{SIGHUP,  SIGINT,  SIGQUIT, SIGILL,  SIGABRT,
-                                  SIGBUS,  SIGFPE,  SIGUSR1, SIGSEGV, SIGUSR2,
-                                  SIGPIPE, SIGALRM, SIGTERM, SIGXCPU, SIGXFSZ};
+/// The standard signals whose default action ends the process and which can be taken over.
+constexpr std::array fatalSignals{SIGHUP,  SIGINT,  SIGQUIT, SIGILL,   SIGTRAP,   SIGABRT,
+                                  SIGBUS,  SIGFPE,  SIGUSR1, SIGSEGV,  SIGUSR2,   SIGPIPE,
+                                  SIGALRM, SIGTERM, SIGXCPU, SIGXFSZ,  SIGVTALRM, SIGPROF,
+                                  SIGIO,   SIGPWR,  SIGSYS,  SIGSTKFLT};
 
 constexpr std::size_t longestSequence = 63;
+constexpr int patienceMilliseconds = 100;
 
-// Read by the signal handler, hence plain static storage.
+// Read by the signal handlers, hence plain static storage.
 termios userAttributes{};
 volatile std::sig_atomic_t attributesKnown = 0;
 std::array<char, longestSequence> cursorSequence{};
 volatile std::sig_atomic_t cursorLength = 0;
 
-/// Safe in a signal handler. SIGTTOU is held back, or a process in the background would be
-/// stopped here instead of ending.
+// The functions down to restoreAndStop are safe in a signal handler.
+
 void restoreAttributes() {
-    if (attributesKnown == 0) {
+    if (attributesKnown != 0) {
+        tcsetattr(STDIN_FILENO, TCSANOW, &userAttributes);
+    }
+}
+
+void showCursor() {
+    if (cursorLength == 0) {
         return;
     }
+    // Output that the user has stopped with Ctrl-S goes on, or this would wait for it.
+    tcflow(STDOUT_FILENO, TCOOFF);
+    tcflow(STDOUT_FILENO, TCOON);
+    pollfd output{STDOUT_FILENO, POLLOUT, 0};
+    if (poll(&output, 1, patienceMilliseconds) != 1) {
+        return;  // nobody reads what the terminal shows
+    }
+    const auto length = static_cast<std::size_t>(cursorLength);
+    if (write(STDOUT_FILENO, cursorSequence.data(), length) < 0) {
+        return;  // the terminal is gone: nobody to show a cursor to
+    }
+}
+
+/// Keeps SIGTTOU blocked, or a process in the background would be stopped here instead of ending.
+void restoreTerminal() {
     sigset_t stop;
     sigset_t previous;
     sigemptyset(&stop);
     sigaddset(&stop, SIGTTOU);
     sigprocmask(SIG_BLOCK, &stop, &previous);
-    tcsetattr(STDIN_FILENO, TCSANOW, &userAttributes);
-    sigprocmask(SIG_SETMASK, &previous, nullptr);
-}
-
-void showCursor() {
-    const auto length = static_cast<std::size_t>(cursorLength);
-    cursorLength = 0;
-    if (length > 0 && write(STDOUT_FILENO, cursorSequence.data(), length) < 0) {
-        return;  // the terminal is gone: nobody to show a cursor to
-    }
-}
-
-void restoreTerminal() {
     restoreAttributes();
     showCursor();
+    sigprocmask(SIG_SETMASK, &previous, nullptr);
 }
 
 /// Restores the terminal and lets the signal have its default action once the handler returns.
@@ -69,20 +82,53 @@ void setFatalSignalAction(void (*handler)(int)) {
     }
 }
 
+/// A child that runs meanwhile is waited for again behind the stop.
+void setStopSignalAction(void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGTSTP, &action, nullptr);
+}
+
+/// Stops as usual, with the terminal given back meanwhile. The attributes of before come back at
+/// once; in the background that stops the process again, as it should.
+void restoreAndStop(int signal) {
+    const int number = errno;
+    termios attributes{};
+    const bool known = tcgetattr(STDIN_FILENO, &attributes) == 0;
+    restoreTerminal();
+    setStopSignalAction(SIG_DFL);
+    raise(signal);
+    sigset_t stop;
+    sigset_t previous;
+    sigemptyset(&stop);
+    sigaddset(&stop, signal);
+    sigprocmask(SIG_UNBLOCK, &stop, &previous);  // stopped here
+    sigprocmask(SIG_SETMASK, &previous, nullptr);
+    setStopSignalAction(restoreAndStop);
+    if (known) {
+        tcsetattr(STDIN_FILENO, TCSANOW, &attributes);
+    }
+    errno = number;
+}
+
 }  // namespace
 
 terminal_guard::terminal_guard() {
     attributesKnown = tcgetattr(STDIN_FILENO, &userAttributes) == 0 ? 1 : 0;
     std::atexit(restoreTerminal);
     setFatalSignalAction(restoreAndDie);
+    setStopSignalAction(restoreAndStop);
 }
 
 terminal_guard::~terminal_guard() {
     // Whoever hid the cursor is gone by now and has shown it again.
+    std::fflush(stdout);
     cursorLength = 0;
-    restoreAttributes();
+    restoreTerminal();
     attributesKnown = 0;
     setFatalSignalAction(SIG_DFL);
+    setStopSignalAction(SIG_DFL);
 }
 
 void terminal_guard::rememberCursor(const std::string& showCursor) {

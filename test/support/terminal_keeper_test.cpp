@@ -1,0 +1,68 @@
+#include "support/terminal_keeper.hpp"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "harness/terminal_session.hpp"
+#include "harness/test_surroundings.hpp"
+
+namespace {
+
+/// A child in a group of its own, which has the terminal from now on.
+pid_t giveTerminalToChild() {
+    const pid_t child = fork();
+    if (child == 0) {
+        for (;;) {
+            pause();
+        }
+    }
+    std::signal(SIGTTOU, SIG_IGN);
+    setpgid(child, child);
+    tcsetpgrp(STDIN_FILENO, child);
+    std::signal(SIGTTOU, SIG_DFL);
+    return child;
+}
+
+}  // namespace
+
+TEST(TerminalKeeper, PutsTheAttributesBack) {
+    terminal_session session([] {
+        setRawMode();
+        termios before{};
+        tcgetattr(STDIN_FILENO, &before);
+        {
+            const terminal_keeper keeper;
+            termios other = before;
+            other.c_lflag |= ECHO;
+            other.c_iflag = 0;
+            tcsetattr(STDIN_FILENO, TCSANOW, &other);
+        }
+        termios after{};
+        tcgetattr(STDIN_FILENO, &after);
+        return std::to_string(after.c_lflag == before.c_lflag) +
+               std::to_string(after.c_iflag == before.c_iflag);
+    });
+    EXPECT_EQ("11", session.result());
+}
+
+TEST(TerminalKeeper, TakesTheTerminalBackFromAnotherGroup) {
+    terminal_session session([] {
+        pid_t child = 0;
+        {
+            const terminal_keeper keeper;
+            child = giveTerminalToChild();
+        }
+        const bool isOurs = tcgetpgrp(STDIN_FILENO) == getpgrp();
+        kill(child, SIGKILL);
+        return std::string(isOurs ? "ours" : "not ours");
+    });
+    EXPECT_EQ("ours", session.result());
+}
+
+TEST(TerminalKeeper, DoesNothingWithoutATerminal) {
+    const typed_input pipe("x");
+    { const terminal_keeper keeper; }
+    EXPECT_EQ('x', getchar());
+}
