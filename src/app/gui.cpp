@@ -16,6 +16,7 @@ gui::gui(bool evaluate)
                {legal_menu::copyrightsCentos, doc_copyrights_centos},
                {legal_menu::copyrightsDebian, doc_copyrights_debian}}),
       evalMode(evaluate) {
+    settleBeforeWait = [this] { return repaint(); };
     menus.push_back(makeMainMenu());
     menus.back().callback = [this](menu_item_t item) { onMainMenuSelect(item); };
     menus.push_back(makeLegalMenu());

@@ -47,10 +47,13 @@ public:
 
 private:
     void reportWarning(const std::string& text);
+    void printWarning();
+    bool repaint();
     void composeHeader(menu_elem_t& menu) const;
     void redrawLines(const menu_elem_t& menu);
     void drawLines(const menu_elem_t& menu);
     void drawLine(const menu_elem_t& menu, menu_item_t item, const menu_line_t& line);
+    menu_item_t selectFrom(menu_elem_t& menu);
     menu_item_t readSelection(menu_elem_t& menu);
     void selectByKey(menu_elem_t& menu);
     void selectByNumber(menu_elem_t& menu);
@@ -58,4 +61,5 @@ private:
 
     bool evalMode;
     window_size_t drawnInto;  ///< the window at the last drawing
+    std::string warning;      ///< what is shown below the menu; empty at the menu itself
 };

@@ -7,10 +7,12 @@
 
 #include "app/gui.hpp"
 #include "app/menu_tables.hpp"
+#include "term/screen_watch.hpp"
 
 namespace {
 
 constexpr int warningPauseSeconds = 1;
+constexpr const char* warningPrompt = "Press ENTER to continue...";
 
 constexpr unsigned char del = 0x7f;
 constexpr unsigned char lastC1 = 0x9f;
@@ -59,24 +61,55 @@ void gui::run() {
 }
 
 void gui::reportWarning(const std::string& text) {
-    trace(trace_warning, text, newLines(2));
-    if (hasControlCharacter(text)) {
-        screenCommand(screen_reset_attributes);
-    }
+    warning = text;
     if (evalMode) {
+        printWarning();
         delay(seconds, warningPauseSeconds);
     } else {
-        waitForEnter("Press ENTER to continue...");
+        const screen_watch changes;
+        printWarning();
+        waitForEnter(warningPrompt);
     }
+    warning.clear();
+}
+
+void gui::printWarning() {
+    trace(trace_warning, warning, newLines(2));
+    if (hasControlCharacter(warning)) {
+        screenCommand(screen_reset_attributes);
+    }
+}
+
+/// Ahead of every wait for a key: takes the terminal's mode back from whoever has changed it, and
+/// where the screen may not be the same any more, shows anew what was on it.
+/// @return true when that was so
+bool gui::repaint() {
+    resumeMode();
+    if (!screen_watch::hasChanged()) {
+        return false;
+    }
+    screenCommand(screen_clear);
+    screenCommand(screen_hide_cursor);
+    drawLines(menus.at(currentMenu));
+    if (!warning.empty()) {
+        printWarning();
+        trace(warningPrompt);
+    }
+    return true;
 }
 
 void gui::showMenuOnce() {
     menu_elem_t& menu = menus.at(currentMenu);
+    menu.callback(selectFrom(menu));
+}
+
+menu_item_t gui::selectFrom(menu_elem_t& menu) {
+    const screen_watch changes;
     screenCommand(screen_clear);
     numberLines(menu);
     composeHeader(menu);
     drawLines(menu);
-    menu.callback(readSelection(menu));
+    return readSelection(menu);
 }
 
 void gui::composeHeader(menu_elem_t& menu) const {
@@ -116,7 +149,10 @@ void gui::drawLines(const menu_elem_t& menu) {
     for (const auto& [item, line] : menu.lines) {
         drawLine(menu, item, line);
     }
-    std::fflush(stdout);
+    if (std::fflush(stdout) != 0) {
+        // Not to be taken for drawn: ENTER would carry out a line that nobody sees highlighted.
+        throw std::runtime_error("Cannot print terminal line");
+    }
     drawnInto = windowSize();
 }
 

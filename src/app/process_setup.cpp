@@ -1,9 +1,13 @@
 #include "app/process_setup.hpp"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstdio>
+#include <initializer_list>
 
 namespace {
 
@@ -17,7 +21,17 @@ void resetSignals() {
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
-    std::signal(SIGCHLD, SIG_DFL);
+    for (const int signal : {SIGCHLD, SIGTTIN, SIGTTOU, SIGURG, SIGWINCH, SIGCONT}) {
+        std::signal(signal, SIG_DFL);
+    }
+}
+
+/// A terminal that refuses to wait would drop half of a drawing.
+void makeOutputBlocking() {
+    const int flags = fcntl(STDOUT_FILENO, F_GETFL);
+    if (flags != -1 && (flags & O_NONBLOCK) != 0) {
+        fcntl(STDOUT_FILENO, F_SETFL, flags & ~O_NONBLOCK);
+    }
 }
 
 void raiseDescriptorLimit() {
@@ -33,6 +47,7 @@ void raiseDescriptorLimit() {
 void setUpProcess() {
     resetSignals();
     raiseDescriptorLimit();
+    makeOutputBlocking();
     std::setvbuf(stdout, outputBuffer.data(), _IOFBF, outputBuffer.size());
 }
 

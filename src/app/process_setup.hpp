@@ -3,9 +3,9 @@
 #include <sys/resource.h>
 
 /// Makes the process what the rest of the program relies on, whoever started it: no signal
-/// blocked, children that can be waited for, room for the one descriptor that each key leaves
-/// open, and standard output that reaches the terminal in one piece when it is flushed. To be
-/// called before the first output.
+/// blocked, none ignored that a child would inherit (terminal_guard sees to the others), room for
+/// the one descriptor that each key leaves open, and standard output that waits and reaches the
+/// terminal in one piece when it is flushed. To be called before the first output.
 void setUpProcess();
 
 /// @return the soft descriptor limit to ask for: as much as the hard one allows, at most 65,536,

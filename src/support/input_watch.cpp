@@ -28,15 +28,26 @@ input_watch::~input_watch() {
     }
 }
 
-bool input_watch::waitReadable(int milliseconds) const {
+bool input_watch::waitReadable(int milliseconds, const std::function<bool()>& settle) const {
+    const auto settled = [&settle] {
+        bool any = false;
+        while (settle && settle()) {
+            any = true;
+        }
+        return any;
+    };
+    settled();
     epoll_event event{};
-    for (int waits = 0; waits < mostWaits; ++waits) {
+    for (int interruptions = 0; interruptions < mostWaits;) {
         const int events = epoll_wait(instance, &event, 1, milliseconds);
         if (events >= 0) {
             return events == 1 && (event.events & EPOLLIN) != 0;
         }
         if (errno != EINTR) {
             break;
+        }
+        if (!settled()) {
+            ++interruptions;
         }
     }
     return false;

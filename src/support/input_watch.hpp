@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 /// Waits until one descriptor can be read; see epoll(7).
 class input_watch {
 public:
@@ -14,9 +16,12 @@ public:
     input_watch& operator=(const input_watch&) = delete;
 
     /// @param milliseconds how long to wait, or noTimeLimit
+    /// @param settle called ahead of the wait and when a signal has interrupted it, until it
+    /// returns false: true when there was something to deal with, so that the interruption does
+    /// not count
     /// @return true when the descriptor can be read, end of file included; false when the time is
     /// over or the wait failed. A wait that a signal interrupts is repeated, up to 10 waits in all.
-    bool waitReadable(int milliseconds) const;
+    bool waitReadable(int milliseconds, const std::function<bool()>& settle = {}) const;
 
     /// Ends the watch, but leaves its epoll descriptor open for the rest of the process. Nothing
     /// is watched by it any more, so that it is never woken again.

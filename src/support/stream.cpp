@@ -36,8 +36,14 @@ const std::string& tracePrefix(std::uint32_t level) {
 
 /// A serial line delivers the bytes of one arrow key with gaps. ESC "[" waits for its final byte,
 /// ESC "O" for the one byte behind it; any other sequence is whole with its second byte.
+/// @return true when the bytes end in the middle of a sequence
 bool isUnfinishedSequence(std::string_view bytes) {
-    if (bytes.size() < 2 || bytes == "\x1bO") {
+    const std::size_t start = bytes.rfind(escape);
+    if (start == std::string_view::npos) {
+        return false;
+    }
+    bytes.remove_prefix(start);
+    if (bytes.size() == 1 || bytes == "\x1bO") {
         return true;
     }
     const auto isFinal = [](char byte) { return byte >= '@' && byte <= '~'; };
@@ -76,22 +82,23 @@ int stream::readInput() {
 }
 
 void stream::readKey() {
-    while (readByte() != EOF) {
-    }
     input_watch keyboard(STDIN_FILENO);
-    if (keyboard.waitReadable(input_watch::noTimeLimit)) {
+    // What was typed earlier is thrown away; of a key that is half there, the other half, too.
+    takeWaitingBytes(keyboard);
+    currentInput.clear();
+    if (keyboard.waitReadable(input_watch::noTimeLimit, settleBeforeWait)) {
         const int first = readByte();
         if (first != EOF) {
             currentInput.push_back(static_cast<char>(first));
         }
         if (first == escape) {
-            readSequence(keyboard);
+            takeWaitingBytes(keyboard);
         }
     }
     keyboard.leaveOpen();
 }
 
-void stream::readSequence(const input_watch& keyboard) {
+void stream::takeWaitingBytes(const input_watch& keyboard) {
     appendWaitingBytes();
     while (isUnfinishedSequence(currentInput) && keyboard.waitReadable(escapeGapMilliseconds) &&
            appendWaitingBytes()) {
@@ -112,10 +119,10 @@ int stream::readByte() {
     return std::fgetc(stdin);
 }
 
-int stream::awaitByte(const input_watch& keyboard) {
+int stream::awaitByte(const input_watch& keyboard) const {
     int byte = readByte();
     while (byte == EOF) {
-        keyboard.waitReadable(input_watch::noTimeLimit);
+        keyboard.waitReadable(input_watch::noTimeLimit, settleBeforeWait);
         byte = readByte();
         if (byte == EOF) {
             // A real end of file is readable for ever: look again now and then.

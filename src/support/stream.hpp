@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <string>
 
 class input_watch;
@@ -56,7 +57,11 @@ protected:
     static int readByte();
 
     /// Waits for a byte on standard input without using the processor, at end of file, too.
-    static int awaitByte(const input_watch& keyboard);
+    int awaitByte(const input_watch& keyboard) const;
+
+    /// What is to be done ahead of a wait for a key, and when a signal interrupts it; see
+    /// input_watch::waitReadable.
+    std::function<bool()> settleBeforeWait;
 
     std::uint32_t levelMask = trace_all;
     std::string currentInput;
@@ -64,6 +69,6 @@ protected:
 
 private:
     void readKey();
-    void readSequence(const input_watch& keyboard);
+    void takeWaitingBytes(const input_watch& keyboard);
     bool appendWaitingBytes();
 };

@@ -7,14 +7,17 @@
 
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <stdexcept>
 
+#include "support/blocked_signals.hpp"
 #include "support/input_watch.hpp"
 #include "support/spawn_file_actions.hpp"
+#include "support/terminal_keeper.hpp"
 #include "support/word_vector.hpp"
 
 namespace {
@@ -80,6 +83,7 @@ int support::runProgram(const std::string& command, output_t output) const {
     }
     // What was printed so far comes before what the child prints.
     std::fflush(stdout);
+    const terminal_keeper terminal;
     pid_t child = 0;
     if (posix_spawnp(&child, *arguments.data(), actions.get(), nullptr, arguments.data(),
                      variables.data()) != 0) {
@@ -114,6 +118,8 @@ void support::delay(int unit, int amount) {
     } else if (unit == milliseconds) {
         interval.tv_nsec = amount % millisecondsPerSecond * nanosecondsPerMillisecond;
     }
+    // A stop and its continuation would cut the sleep short: they wait for its end.
+    const blocked_signals untilSlept{SIGTSTP};
     if (nanosleep(&interval, &interval) != 0) {
         const auto shown =
             static_cast<std::int32_t>(std::int64_t{amount} * (unit == milliseconds ? 1000 : 1));

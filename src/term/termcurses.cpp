@@ -76,6 +76,33 @@ bool giveTerminalBack() {
     return input >= 0 && tcsetattr(input, TCSANOW, &savedAttributes) == 0;
 }
 
+std::string stringCapability(const std::string& name) {
+    const char* text = tigetstr(name.c_str());
+    if (text == nullptr) {
+        throw std::invalid_argument("Cannot initialize terminal sequences");
+    }
+    return text;
+}
+
+std::string substituted(const std::string& sequence, std::int32_t number) {
+    const char* text =
+        tparm(sequence.c_str(), static_cast<long>(number), 0L, 0L, 0L, 0L, 0L, 0L, 0L, 0L);
+    if (text == nullptr) {
+        throw std::invalid_argument("Cannot get parameter for terminal sequence");
+    }
+    return text;
+}
+
+std::string otherCursorKeyForm(const std::string& sequence) {
+    if (sequence.starts_with("\x1b[")) {
+        return "\x1bO" + sequence.substr(2, 1);
+    }
+    if (sequence.starts_with("\x1bO")) {
+        return "\x1b[" + sequence.substr(2, 1);
+    }
+    throw std::invalid_argument("Cannot match alternative terminal sequence");
+}
+
 }  // namespace
 
 termcurses::termcurses() { initTermcurses(); }
@@ -88,37 +115,15 @@ termcurses::~termcurses() {
 
 void termcurses::initTermcurses() {
     print = [this](const std::string& sequence) {
-        if (sequence.empty()) {
-            throw std::runtime_error("Cannot print terminal line");
-        }
-        if (!silent && putp(sequence.c_str()) != OK) {
+        if (sequence.empty() || (!silent && putp(sequence.c_str()) != OK)) {
             throw std::runtime_error("Cannot print terminal line");
         }
     };
-    parameterise = [](const std::string& sequence, std::int32_t number) -> std::string {
-        const char* text =
-            tparm(sequence.c_str(), static_cast<long>(number), 0L, 0L, 0L, 0L, 0L, 0L, 0L, 0L);
-        if (text == nullptr) {
-            throw std::invalid_argument("Cannot get parameter for terminal sequence");
-        }
-        return text;
+    parameterise = [](const std::string& sequence, std::int32_t number) {
+        return substituted(sequence, number);
     };
-    lookUp = [](const std::string& name) -> std::string {
-        const char* text = tigetstr(name.c_str());
-        if (text == nullptr) {
-            throw std::invalid_argument("Cannot initialize terminal sequences");
-        }
-        return text;
-    };
-    alternative = [](const std::string& sequence) -> std::string {
-        if (sequence.starts_with("\x1b[")) {
-            return "\x1bO" + sequence.substr(2, 1);
-        }
-        if (sequence.starts_with("\x1bO")) {
-            return "\x1b[" + sequence.substr(2, 1);
-        }
-        throw std::invalid_argument("Cannot match alternative terminal sequence");
-    };
+    lookUp = [](const std::string& name) { return stringCapability(name); };
+    alternative = [](const std::string& sequence) { return otherCursorKeyForm(sequence); };
     initTerminal = [](term_init_t kind) {
         if (kind == TERM_INIT) {
             if (!takeTerminal()) {
@@ -223,6 +228,11 @@ void termcurses::setMode(std::uint32_t mode) {
         default:
             return;
     }
+}
+
+void termcurses::resumeMode() {
+    const termios raw = rawAttributes(savedAttributes);
+    tcsetattr(STDIN_FILENO, TCSANOW, &raw);
 }
 
 window_size_t termcurses::windowSize() {

@@ -74,6 +74,10 @@ public:
     /// 3 clears and shows it, 4 shows it; above that nothing happens
     void setMode(std::uint32_t mode);
 
+    /// Sets the raw mode again, whatever has become of it meanwhile; what is given back in the end
+    /// stays as it is. Does nothing where the terminal is gone.
+    static void resumeMode();
+
     /// @return the size of the window on standard output; see tty_ioctl(4), TIOCGWINSZ
     static window_size_t windowSize();
 

@@ -59,6 +59,19 @@ std::string readFrom(int descriptor) {
     return result;
 }
 
+/// What one read yields when each byte comes once the read waits for it.
+std::string typedInPieces(const std::string& sequence) {
+    terminal_session session([] { return readKeys(1); });
+    session.awaitKeyWait();
+    session.type(sequence.substr(0, 1));
+    for (const char byte : sequence.substr(1)) {
+        session.await([&] { return session.isWaitingForMore() || session.hasEnded(); },
+                      "a wait for more");
+        session.type(std::string(1, byte));
+    }
+    return session.result();
+}
+
 open_stream holding(const std::string& text) {
     open_stream input;
     input.currentInput = text;
@@ -96,21 +109,35 @@ TEST(ReadInput, ThrowsAwayWhatWasTypedEarlier) {
 // A serial line delivers an arrow key in pieces: the read goes on until the sequence is whole. The
 // pieces may come 50 ms apart, which a busy machine may miss, but not every time.
 TEST(ReadInput, WaitsForTheRestOfASequence) {
-    for (const std::string sequence : {"\x1b[A", "\x1bOA", "\x1b[1;5A"}) {
+    for (const std::string sequence : {"\x1b[A", "\x1bOA", "\x1b[1;5A", "\x1b[B\x1b[A"}) {
         const std::string whole = std::to_string(sequence.size()) + ":" + sequence + ";";
         std::string result;
         for (int tries = 0; tries < 20 && result != whole; ++tries) {
-            terminal_session session([] { return readKeys(1); });
-            session.awaitKeyWait();
-            for (const char byte : sequence) {
-                session.await([&] { return !session.isWaitingForKey() || byte == '\x1b'; },
-                              "the read to go on");
-                session.type(std::string(1, byte));
-            }
-            result = session.result();
+            result = typedInPieces(sequence);
         }
         EXPECT_EQ(whole, result);
     }
+}
+
+// Half a key is still the key that was typed earlier.
+TEST(ReadInput, ThrowsAwayTheRestOfAnEarlierSequence) {
+    std::string result;
+    for (int tries = 0; tries < 20 && result != "1:7;"; ++tries) {
+        terminal_session session([] {
+            setRawMode();
+            while (getchar() != 'g') {
+                clearerr(stdin);
+            }
+            return readKeys(1);
+        });
+        session.type("g\x1b[");
+        session.await([&] { return session.isWaitingForMore() || session.isWaitingForKey(); },
+                      "a wait");
+        session.type("A");
+        session.press("7");
+        result = session.result();
+    }
+    EXPECT_EQ("1:7;", result);
 }
 
 // Waiting behind each of 40 finished sequences would take 2 s at least.

@@ -1,43 +1,15 @@
 #include "term/termcurses.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <fstream>
 
-#include "harness/package_folder.hpp"
-#include "harness/terminal_session.hpp"
 #include "harness/test_surroundings.hpp"
+#include "term/linux_terminal.hpp"
 
 namespace {
-
-// The sequences of "linux", whose arrow keys send the normal form.
-constexpr const char* linuxClear = "\x1b[H\x1b[J";
-constexpr const char* linuxHide = "\x1b[?25l\x1b[?1c";
-constexpr const char* linuxShow = "\x1b[?25h\x1b[?0c";
-constexpr const char* linuxReset = "\x1b[m\x0f";
-
-void useTerminal(const char* name) {
-    if (name == nullptr) {
-        unsetenv("TERM");
-    } else {
-        setenv("TERM", name, 1);
-    }
-}
-
-/// What the call returns, in a child on a terminal of this type.
-std::string on(const char* name, const std::function<std::string(termcurses&)>& call) {
-    return terminal_session([&] {
-               useTerminal(name);
-               termcurses terminal;
-               return call(terminal);
-           })
-        .result();
-}
 
 /// What the call prints to a "linux" terminal.
 std::string printed(const std::function<void(termcurses&)>& call) {
@@ -55,103 +27,20 @@ std::string printed(const std::function<void(termcurses&)>& call) {
     return output.substr(start, output.rfind('>') - start);
 }
 
-std::string constructionFailure(const char* name) {
-    return on(name, [](termcurses&) { return std::string("constructed"); });
+std::string currentMode() {
+    termios attributes{};
+    tcgetattr(STDIN_FILENO, &attributes);
+    return (attributes.c_lflag & ICANON) != 0 ? "user" : "raw";
 }
 
-/// Describes terminals of the test's own; see tic(1).
-class own_terminals {
-public:
-    explicit own_terminals(const std::string& description) {
-        folder.write("own.ti", description);
-        const std::string command = "tic -x -o " + folder.root().string() + " " +
-                                    (folder.root() / "own.ti").string() + " 2>/dev/null";
-        EXPECT_EQ(0, std::system(command.c_str()));
-        setenv("TERMINFO", folder.root().c_str(), 1);
-    }
-    ~own_terminals() { unsetenv("TERMINFO"); }
-
-private:
-    package_folder folder;
-};
+void setCookedMode() {
+    termios attributes{};
+    tcgetattr(STDIN_FILENO, &attributes);
+    attributes.c_lflag |= ICANON | ECHO | ISIG;
+    tcsetattr(STDIN_FILENO, TCSANOW, &attributes);
+}
 
 }  // namespace
-
-TEST(TermcursesConstruction, ClearsTheScreenAndHidesTheCursor) {
-    terminal_session session([] {
-        useTerminal("linux");
-        const termcurses terminal;
-        std::fputs("end", stdout);
-        return std::string();
-    });
-    session.awaitEnd();
-    EXPECT_EQ(std::string(linuxClear) + linuxHide + "end" + linuxClear + linuxShow,
-              session.output());
-}
-
-TEST(TermcursesConstruction, TakesTheRawModeAndGivesTheUsersBack) {
-    terminal_session session([] {
-        useTerminal("linux");
-        {
-            const termcurses terminal;
-            while (getchar() != 'x') {
-                clearerr(stdin);
-            }
-        }
-        return std::string();
-    });
-    const termios before = pseudo_terminal(24, 80).attributes();
-    session.await([&] { return !session.terminal().isCooked(); }, "the raw mode");
-    const termios during = session.terminal().attributes();
-    session.type("x");
-    session.awaitEnd();
-    const termios after = session.terminal().attributes();
-
-    EXPECT_EQ(before.c_lflag & ~static_cast<tcflag_t>(ISIG | ICANON | ECHO), during.c_lflag);
-    EXPECT_EQ(0, during.c_cc[VMIN]);
-    EXPECT_EQ(0, during.c_cc[VTIME]);
-    EXPECT_EQ(before.c_oflag, during.c_oflag);
-    EXPECT_EQ(before.c_iflag, during.c_iflag);
-    EXPECT_EQ(before.c_lflag, after.c_lflag);
-    EXPECT_EQ(before.c_cc[VMIN], after.c_cc[VMIN]);
-}
-
-// vt100 is what is loaded then, and it has no colours.
-TEST(TermcursesConstruction, TakesVt100WithoutTerm) {
-    EXPECT_EQ("exception: Cannot initialize terminal sequences", constructionFailure(nullptr));
-    EXPECT_EQ("exception: Cannot initialize terminal sequences", constructionFailure(""));
-    const own_terminals own("vt100|test vt100 that can all,\n\tsetaf=F%p1%d,\n\tuse=linux,\n");
-    EXPECT_EQ("F1", on("", [](termcurses& terminal) {
-                  return terminal.parameterise(terminal.sequences.at(3), 1);
-              }));
-}
-
-TEST(TermcursesConstruction, NeedsATerminal) {
-    const typed_input pipe("");
-    EXPECT_EQ("Cannot initialize terminal", thrown<std::invalid_argument>([] { termcurses(); }));
-}
-
-TEST(TermcursesConstruction, NeedsEverySequence) {
-    const own_terminals own("no-civis|linux without civis,\n\tcivis@,\n\tuse=linux,\n");
-    EXPECT_EQ("exception: Cannot initialize terminal sequences", constructionFailure("no-civis"));
-}
-
-TEST(TermcursesConstruction, NeedsArrowKeysOfAnsiForm) {
-    const own_terminals own("other-keys|linux with other keys,\n\tkcuu1=^K,\n\tuse=linux,\n");
-    EXPECT_EQ("exception: Cannot match alternative terminal sequence",
-              constructionFailure("other-keys"));
-}
-
-TEST(TermcursesConstruction, LeavesItToTerminfoToEndAtAnUnknownTerminal) {
-    terminal_session session([] {
-        useTerminal("no-such-terminal");
-        const termcurses terminal;
-        return std::string("constructed");
-    });
-    EXPECT_EQ("", session.result());
-    EXPECT_EQ(1, WEXITSTATUS(session.awaitEnd()));
-    EXPECT_TRUE(session.screen().contains("unknown terminal type")) << session.output();
-}
 
 TEST(TermcursesSequences, AreLoadedForEveryCapability) {
     EXPECT_EQ("16 \x1b[A \x1bOA \x1b[B \x1bOB", on("linux", [](termcurses& terminal) {
@@ -285,16 +174,11 @@ TEST(TermcursesMode, SwitchesModeScreenAndCursor) {
 
 TEST(TermcursesMode, GivesTheUsersAttributesBackInBetween) {
     EXPECT_EQ("raw user raw", on("linux", [](termcurses& terminal) {
-                  const auto now = [] {
-                      termios attributes{};
-                      tcgetattr(STDIN_FILENO, &attributes);
-                      return std::string((attributes.c_lflag & ICANON) != 0 ? "user" : "raw");
-                  };
-                  std::string all = now();
+                  std::string all = currentMode();
                   terminal.setMode(1);
-                  all += " " + now();
+                  all += " " + currentMode();
                   terminal.setMode(0);
-                  return all + " " + now();
+                  return all + " " + currentMode();
               }));
 }
 
@@ -310,11 +194,31 @@ TEST(TermcursesMode, SavesTheAttributesAtEveryInitialisation) {
     EXPECT_FALSE(session.terminal().isCooked());
 }
 
-TEST(TermcursesMode, RefusesAnyOtherKindOfInitialisation) {
-    EXPECT_EQ("Cannot un-initialize terminal", on("linux", [](termcurses& terminal) {
+TEST(TermcursesMode, RefusesAnyOtherKindAndLeavesTheTerminalAsItWas) {
+    EXPECT_EQ("Cannot un-initialize terminal raw", on("linux", [](termcurses& terminal) {
                   return thrown<std::invalid_argument>(
-                      [&] { terminal.initTerminal(static_cast<term_init_t>(2)); });
+                             [&] { terminal.initTerminal(static_cast<term_init_t>(2)); }) +
+                         " " + currentMode();
               }));
+}
+
+TEST(TermcursesMode, DoesNothingAboveFour) {
+    EXPECT_EQ("raw", on("linux", [](termcurses& terminal) {
+                  terminal.setMode(5);
+                  return currentMode();
+              }));
+}
+
+TEST(TermcursesMode, ResumesTheRawModeAndKeepsWhatIsGivenBack) {
+    terminal_session session([] {
+        useTerminal("linux");
+        termcurses terminal;
+        setCookedMode();
+        termcurses::resumeMode();
+        return currentMode();
+    });
+    EXPECT_EQ("raw", session.result());
+    EXPECT_TRUE(session.terminal().isCooked());
 }
 
 TEST(TermcursesWindow, HasTheSizeOfTheTerminal) {
@@ -330,16 +234,4 @@ TEST(TermcursesWindow, HasTheSizeOfTheTerminal) {
 TEST(TermcursesWindow, IsUnknownWithoutATerminal) {
     const captured_output output;
     EXPECT_EQ(window_size_t{}, termcurses::windowSize());
-}
-
-// A failure to give the terminal back must not be hidden.
-TEST(TermcursesDestruction, EndsTheProcessOnFailure) {
-    terminal_session session([] {
-        useTerminal("linux");
-        termcurses terminal;
-        terminal.sequences.erase(0);
-        return std::string();
-    });
-    const int status = session.awaitEnd();
-    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT) << status;
 }

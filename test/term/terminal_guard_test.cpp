@@ -49,7 +49,7 @@ TEST_P(terminal_guard_signal_test, GivesTheTerminalBackAndDiesOfTheSignal) {
 
 INSTANTIATE_TEST_SUITE_P(Fatal, terminal_guard_signal_test,
                          testing::Values(SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGABRT, SIGSEGV,
-                                         SIGPIPE, SIGUSR1),
+                                         SIGPIPE, SIGUSR1, SIGPROF),
                          [](const auto& signal) { return sigabbrev_np(signal.param); });
 
 TEST(TerminalGuard, GivesTheTerminalBackAtExit) {
