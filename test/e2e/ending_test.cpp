@@ -65,6 +65,25 @@ TEST_F(ending_test, CtrlCAtTheMenuIsAnOrderlyEnd) {
     expectTerminalRestored();
 }
 
+// Without a working directory the program cannot name itself any more.
+TEST_F(ending_test, AnAbortAtTheLastLineGivesTheTerminalBack) {
+    startMenu();
+    package.remove("tool");
+    session->press("\x03");
+    EXPECT_EQ(128 + SIGABRT, awaitEnd());
+    expectTerminalRestored();
+}
+
+TEST_P(fatal_signal_test, WhileOutputIsStoppedGivesTheTerminalBack) {
+    startMenu();
+    session->type("\x13");  // Ctrl-S
+    session->press("1");
+    session->await([&] { return !session->isWaitingForKey(); }, "the drawing to be held up");
+    session->signal(GetParam());
+    EXPECT_EQ(128 + GetParam(), awaitEnd());
+    expectTerminalRestored();
+}
+
 TEST_F(ending_test, CtrlCAtAnEnterWaitIsNoEnd) {
     startMenu();
     session->press("0");

@@ -1,3 +1,5 @@
+#include <chrono>
+
 #include "e2e/tool_test.hpp"
 
 namespace {
@@ -70,6 +72,18 @@ TEST_F(evaluation_test, GoesOnAfterAWarning) {
     EXPECT_EQ(2, count("[WARN] Text file is not present ../eula_en.txt"));
     EXPECT_EQ(0, count("Press ENTER"));
     EXPECT_EQ("cat ../CopyrightsCentOS", package.commandLines().back());
+}
+
+TEST_F(evaluation_test, PausesASecondAtAWarning) {
+    package.remove("readme.txt");
+    program.arguments = {"./varnmenu", "--eval"};
+    start();
+    session->awaitScreen("[WARN] Text file is not present ../readme.txt");
+    const auto shown = std::chrono::steady_clock::now();
+    session->awaitScreen("#LEGAL");
+    const auto pause = std::chrono::steady_clock::now() - shown;
+    EXPECT_GE(pause, std::chrono::milliseconds(900));
+    EXPECT_LT(pause, std::chrono::milliseconds(1900));
 }
 
 TEST_P(evaluation_test, StartsWithEitherWord) {

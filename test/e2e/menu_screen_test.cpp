@@ -221,6 +221,17 @@ TEST_F(menu_screen_test, ClearsAndDrawsWhereTheWindowIsTooNarrow) {
     EXPECT_EQ(1, std::count(rows.begin(), rows.end(), "> 7"));
 }
 
+// Where a line ends exactly at the margin, some terminals wrap and some do not.
+TEST_F(menu_screen_test, ClearsAndDrawsWhereALineReachesTheMargin) {
+    for (const auto& [columns, clears] : {std::pair{58, true}, {59, false}}) {
+        startMenu(24, columns);
+        const std::size_t before = session->output().size();
+        session->press("2");
+        awaitMenu("2");
+        EXPECT_EQ(clears, session->output().find(clearSequence, before) != std::string::npos);
+    }
+}
+
 TEST_F(menu_screen_test, TakesAnUnknownWindowSizeForLargeEnough) {
     start();
     session->resize(24, 80);

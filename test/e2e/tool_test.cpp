@@ -23,6 +23,18 @@ void tool_test::startMenu(int rows, int columns) {
     awaitMenu();
 }
 
+void tool_test::startMenuFromShell() {
+    const std::string commandLine = program.path + "\n";
+    program.path = "/bin/bash";
+    program.arguments = {"bash", "--norc", "--noprofile", "--noediting", "-i"};
+    program.environment["PS1"] = "shell: ";
+    start();
+    session->awaitScreen("shell:");
+    session->type(commandLine);
+    session->followChild();
+    awaitMenu();
+}
+
 void tool_test::choose(int number) {
     session->press(std::to_string(number));
     session->press("\r");

@@ -62,6 +62,9 @@ TEST_F(warnings_test, ResetTheTerminalBehindControlCharactersOnly) {
         return output;
     };
     EXPECT_TRUE(warningOf("x").ends_with("only : x\r\nPress ENTER to continue...\r\n"));
+    for (const char* control : {"\x9b", "\x7f"}) {
+        EXPECT_TRUE(warningOf(control).ends_with("\r\n\x1b(B\x1b[mPress ENTER to continue...\r\n"));
+    }
     EXPECT_TRUE(
         warningOf("\t").ends_with("only : \t\r\n\x1b(B\x1b[mPress ENTER to continue...\r\n"));
 }
@@ -70,6 +73,16 @@ TEST_F(warnings_test, TellThatAFreshMenuHasNothingToConfirm) {
     startMenu();
     session->press("\r");
     expectWarning("Flashtools operation not supported");
+}
+
+TEST_F(warnings_test, TellThatAFreshLegalMenuHasNothingToShow) {
+    startMenu();
+    choose(6);
+    session->awaitScreen("#LEGAL");
+    session->press("\r");
+    session->awaitScreen("[WARN] Text file not supported");
+    session->press("\r");
+    awaitMenu();
 }
 
 TEST_F(warnings_test, TellAboutMissingDocumentsAndReaders) {

@@ -108,6 +108,7 @@ std::vector<run_record_t> package_folder::runs() const {
         if (kind == "run") {
             indices[process] = all.size();
             all.push_back({});
+            all.back().process = std::stoi(process);
             all.back().name = value;
         } else {
             addFact(all.at(indices.at(process)), kind, value);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <filesystem>
 #include <map>
 #include <set>
@@ -8,6 +10,7 @@
 
 /// What a stand-in saw when it was run.
 struct run_record_t {
+    pid_t process = 0;
     std::string name;
     std::vector<std::string> arguments;  ///< with the program word in front
     std::vector<std::string> environment;

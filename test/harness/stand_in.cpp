@@ -8,10 +8,17 @@
 //   line           reads a line from standard input
 //   await FILE     waits until somebody writes to this fifo of the package folder
 //   show           prints the file named by the first argument; exit status 1 when it cannot
+//   mode deaf      leaves the terminal with echo, and without line ends from ENTER
+//   mode cooked    leaves the terminal with line editing and signal keys
+//   steal          leaves the terminal to a process group of a child that stays behind
+//   close          closes its standard streams
+//   swallow        reads standard input up to its end
+//   flood NUMBER   prints this many million bytes
 //   kill NUMBER    sends itself a signal
 //   exit NUMBER    ends with this status
 
 #include <fcntl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -20,6 +27,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <limits>
 #include <map>
 #include <sstream>
 #include <string>
@@ -100,6 +108,40 @@ bool show(const char* path) {
     return std::cout.good();
 }
 
+void leaveMode(const std::string& mode) {
+    termios attributes{};
+    tcgetattr(STDIN_FILENO, &attributes);
+    attributes.c_lflag |= ECHO;
+    if (mode == "deaf") {
+        attributes.c_iflag &= ~static_cast<tcflag_t>(ICRNL);
+    } else {
+        attributes.c_lflag |= ICANON | ISIG;
+    }
+    tcsetattr(STDIN_FILENO, TCSANOW, &attributes);
+}
+
+/// The child is gone when the terminal itself is.
+void leaveTerminalToAnotherGroup() {
+    std::signal(SIGTTOU, SIG_IGN);
+    const pid_t child = fork();
+    if (child == 0) {
+        std::signal(SIGHUP, SIG_DFL);
+        for (;;) {
+            pause();
+        }
+    }
+    setpgid(child, child);
+    tcsetpgrp(STDIN_FILENO, child);
+}
+
+void flood(int millions) {
+    const std::string line = std::string(99, 'x') + "\n";
+    for (int lines = 0; lines < millions * 10'000; ++lines) {
+        std::cout << line;
+    }
+    std::cout << "that was all" << std::endl;
+}
+
 /// @return the exit status, or -1 to go on
 int step(const std::string& line, const fs::path& self, char** arguments) {
     const std::string word = line.substr(0, line.find(' '));
@@ -117,6 +159,18 @@ int step(const std::string& line, const fs::path& self, char** arguments) {
         std::getline(fifo, ignored);
     } else if (word == "show") {
         return show(arguments[1]) ? 0 : 1;
+    } else if (word == "mode") {
+        leaveMode(rest);
+    } else if (word == "steal") {
+        leaveTerminalToAnotherGroup();
+    } else if (word == "close") {
+        close(STDIN_FILENO);
+        close(STDOUT_FILENO);
+        close(STDERR_FILENO);
+    } else if (word == "swallow") {
+        std::cin.ignore(std::numeric_limits<std::streamsize>::max());
+    } else if (word == "flood") {
+        flood(std::stoi(rest));
     } else if (word == "kill") {
         raise(std::stoi(rest));
     } else if (word == "exit") {

@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr auto patience = std::chrono::seconds(30);
+constexpr auto patience = std::chrono::seconds(60);
 constexpr int lookAgainMilliseconds = 2;
 
 /// Nothing of what started the tests is to be seen by the program under test.
@@ -141,6 +141,17 @@ void terminal_session::start(const std::function<void()>& inChild) {
         pty.becomeStandardStreams();
         inChild();
     }
+    followed = child;
+}
+
+void terminal_session::followChild() {
+    const std::string parent = std::to_string(child);
+    const auto firstChild = [&] {
+        std::ifstream children("/proc/" + parent + "/task/" + parent + "/children");
+        children >> followed;
+        return !children.fail();
+    };
+    await(firstChild, "a child of the process");
 }
 
 bool terminal_session::pump(int milliseconds) {
@@ -177,7 +188,7 @@ void terminal_session::awaitScreen(std::string_view text) {
 }
 
 bool terminal_session::isWaitingForKey() const {
-    const system_call_t call = currentSystemCall(child);
+    const system_call_t call = currentSystemCall(followed);
     const bool isEpollWait = call.number == SYS_epoll_wait || call.number == SYS_epoll_pwait;
     // In raw mode a read never waits for a key, though it may be seen waiting for a lock.
     const bool isCookedRead =
@@ -186,7 +197,7 @@ bool terminal_session::isWaitingForKey() const {
 }
 
 bool terminal_session::isWaitingForMore() const {
-    const system_call_t call = currentSystemCall(child);
+    const system_call_t call = currentSystemCall(followed);
     const bool isEpollWait = call.number == SYS_epoll_wait || call.number == SYS_epoll_pwait;
     return isEpollWait && call.arguments[3] != noTimeLimit;
 }
@@ -194,8 +205,9 @@ bool terminal_session::isWaitingForMore() const {
 void terminal_session::awaitKeyWait() {
     // The looks at a moving process do not happen at once: they have to agree on one sleep.
     const auto isAtNextKey = [this] {
-        const std::string sleep = timesBlocked(child);
-        return sleep != timesBlockedAtLastKey && isWaitingForKey() && sleep == timesBlocked(child);
+        const std::string sleep = timesBlocked(followed);
+        return sleep != timesBlockedAtLastKey && isWaitingForKey() &&
+               sleep == timesBlocked(followed);
     };
     await(isAtNextKey, "a wait for a key");
     while (pump(0)) {
@@ -214,12 +226,12 @@ void terminal_session::type(std::string_view bytes) {
 
 void terminal_session::press(std::string_view keys) {
     awaitKeyWait();
-    timesBlockedAtLastKey = timesBlocked(child);
+    timesBlockedAtLastKey = timesBlocked(followed);
     type(keys);
 }
 
 int terminal_session::awaitEnd() {
-    await([&] { return !isAlive(child); }, "the end of the process");
+    await([&] { return hasEnded(); }, "the end of the process");
     while (pump(0)) {
     }
     if (!ended) {
@@ -239,7 +251,9 @@ std::string terminal_session::result() {
     return text;
 }
 
-void terminal_session::signal(int number) const { kill(child, number); }
+bool terminal_session::hasEnded() const { return !isAlive(child); }
+
+void terminal_session::signal(int number) const { kill(followed, number); }
 
 void terminal_session::resize(int rows, int columns) {
     pty.resize(rows, columns);

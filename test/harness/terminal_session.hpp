@@ -21,7 +21,7 @@ struct program_t {
 };
 
 /// One process on a terminal of its own, and a user in front of it. Every wait ends with what it
-/// waits for or, after half a minute, with an exception that shows the screen.
+/// waits for or, after a minute, with an exception that shows the screen.
 class terminal_session {
 public:
     explicit terminal_session(const program_t& program, int rows = 24, int columns = 80);
@@ -56,16 +56,21 @@ public:
     /// @return what the body returned; waits for its end
     std::string result();
 
+    /// From now on key waits and signals are about this process, one that the started one has
+    /// started. Waits for its first appearance.
+    void followChild();
+
     bool isWaitingForKey() const;
 
     /// @return true while the process waits for the rest of a key, for a limited time
     bool isWaitingForMore() const;
 
+    bool hasEnded() const;
     void signal(int number) const;
     void resize(int rows, int columns);
     void hangUp();
 
-    pid_t process() const { return child; }
+    pid_t process() const { return followed; }
     const pseudo_terminal& terminal() const { return pty; }
     const terminal_screen& screen() const { return display; }
 
@@ -81,6 +86,7 @@ private:
     std::string allOutput;
     std::string timesBlockedAtLastKey;
     pid_t child = -1;
+    pid_t followed = -1;
     int resultPipe = -1;
     int waitStatus = -1;
     bool ended = false;

@@ -1,0 +1,130 @@
+#include <csignal>
+#include <cstring>
+
+#include "e2e/tool_test.hpp"
+
+namespace {
+
+/// The program as a shell's job that is stopped and taken up again.
+class stop_test : public tool_test, public testing::WithParamInterface<int> {
+protected:
+    void stop() {
+        session->signal(GetParam());
+        session->awaitScreen("Stopped");
+    }
+
+    void takeUp() {
+        const std::size_t before = session->output().size();
+        session->type("fg\n");
+        const std::string clear = "\x1b[H\x1b[2J";
+        session->await([&] { return session->output().find(clear, before) != std::string::npos; },
+                       "the screen to be drawn anew");
+    }
+};
+
+class resize_test : public tool_test {};
+
+}  // namespace
+
+TEST_P(stop_test, AtTheMenuLeavesTheTerminalToTheShell) {
+    startMenuFromShell();
+    session->press("2");
+    awaitMenu("2");
+    stop();
+    if (GetParam() == SIGTSTP) {  // SIGSTOP leaves no chance to show the cursor
+        EXPECT_TRUE(session->screen().isCursorVisible());
+    }
+    session->type("echo it $((6 * 7)) works\n");
+    session->awaitScreen("it 42 works");
+    EXPECT_TRUE(session->terminal().isCooked());
+
+    takeUp();
+    awaitMenu("2");
+    EXPECT_EQ("       This tool will update Varn FW --> Rel. 2.41", session->screen().row(0));
+    EXPECT_EQ("> 2", session->screen().row(11));
+    EXPECT_EQ("", session->screen().row(14));
+    EXPECT_FALSE(session->screen().isCursorVisible());
+    EXPECT_FALSE(session->terminal().isCooked());
+    session->press("\x1b[B");
+    awaitMenu("3");
+}
+
+TEST_P(stop_test, AtAWarningShowsTheWarningAgain) {
+    startMenuFromShell();
+    session->press("0");
+    session->awaitScreen("Press ENTER");
+    session->awaitKeyWait();
+    stop();
+    takeUp();
+    session->awaitScreen("Press ENTER");
+    EXPECT_EQ("[8] Exit", session->screen().row(10));
+    EXPECT_EQ("[WARN] Wrong selection, please provide valid number : 0", session->screen().row(16));
+    EXPECT_EQ("Press ENTER to continue...", session->screen().row(17));
+    session->press("\r");
+    awaitMenu();
+}
+
+TEST_P(stop_test, DuringAFlashEndsInTheToolsOwnMode) {
+    package.let("varnflash", "print started\nline\nprint answered");
+    startMenuFromShell();
+    package.let("varnflash", "kill 19\nprint core program ended");
+    choose(1);
+    session->await([&] { return package.runs().size() == 2; }, "the core program");
+    session->signal(GetParam());
+    session->awaitScreen("Stopped");
+    session->type("fg\n");  // continues the whole group
+    session->awaitScreen("core program ended");
+    session->press("\r");
+    awaitMenu("1");
+    EXPECT_FALSE(session->terminal().isCooked());
+}
+
+TEST_P(stop_test, AndEndedWhileStoppedLeavesTheTerminalToTheShell) {
+    startMenuFromShell();
+    stop();
+    session->type("kill %1; fg\n");
+    session->awaitScreen("Terminated");
+    session->type("echo it $((6 * 7)) works\n");
+    session->awaitScreen("it 42 works");
+    EXPECT_TRUE(session->terminal().isCooked());
+    EXPECT_TRUE(session->screen().isCursorVisible());
+}
+
+INSTANTIATE_TEST_SUITE_P(Stopped, stop_test, testing::Values(SIGTSTP, SIGSTOP),
+                         [](const auto& signal) { return sigabbrev_np(signal.param); });
+
+TEST_F(resize_test, AtTheMenuDrawsItAnew) {
+    start(5, 20);
+    session->awaitScreen("re Tools");
+    session->resize(24, 80);
+    session->await([&] { return session->screen().row(0).ends_with("Rel. 2.41"); }, "the title");
+    EXPECT_EQ(14U, session->screen().rows().size());
+    session->press("3");
+    awaitMenu("3");
+}
+
+TEST_F(resize_test, AtAWarningShowsTheWarningAgain) {
+    start(5, 20);
+    session->awaitScreen("re Tools");
+    session->press("x");
+    session->awaitScreen("Press ENTER");
+    session->awaitKeyWait();
+    session->resize(24, 80);
+    session->await([&] { return session->screen().row(0).ends_with("Rel. 2.41"); }, "the title");
+    session->awaitScreen("[WARN] Wrong input, please confirm selection by 'ENTER' only : x");
+    session->press("\r");
+    awaitMenu();
+}
+
+// A window that is dragged to its size sends dozens of signals.
+TEST_F(resize_test, ManyTimesInARowDoesNotWearTheWaitOut) {
+    startMenu();
+    for (int columns = 81; columns < 120; ++columns) {
+        const std::size_t before = session->output().size();
+        session->resize(24, columns);
+        session->await([&] { return session->output().size() > before; }, "a drawing");
+    }
+    session->press("4");
+    awaitMenu("4");
+    EXPECT_EQ(std::string::npos, session->output().find("[WARN]"));
+}
