@@ -1,8 +1,8 @@
 #pragma once
 
 /// Notices, as long as it lives, that what is on the screen may not be there any more: the window
-/// has got another size, or the process was stopped and goes on. Either interrupts a wait for a key.
-/// There is one at a time.
+/// has got another size, or the process was stopped and goes on. Either interrupts a wait for a
+/// key. There is one at a time.
 class screen_watch {
 public:
     screen_watch();

@@ -92,7 +92,7 @@ TEST(TermcursesConstruction, NeedsATerminal) {
 
 TEST(TermcursesConstruction, NeedsEverySequence) {
     for (const std::string name : {"clear", "civis", "cnorm", "setaf", "setab", "sc", "cr", "bold",
-                                    "rev", "sgr0", "cuu", "cud", "kcuu1", "kcud1"}) {
+                                   "rev", "sgr0", "cuu", "cud", "kcuu1", "kcud1"}) {
         const own_terminals own("lacking|linux that lacks one,\n\t" + name + "@,\n\tuse=linux,\n");
         EXPECT_EQ("exception: Cannot initialize terminal sequences", constructionFailure("lacking"))
             << name;
