@@ -18,6 +18,7 @@ namespace {
 
 constexpr auto patience = std::chrono::seconds(60);
 constexpr int lookAgainMilliseconds = 2;
+constexpr int mostPumpsAtOnce = 256;  // a look at the condition costs more than a pump
 
 /// Nothing of what started the tests is to be seen by the program under test.
 void resetSignals() {
@@ -179,6 +180,8 @@ void terminal_session::await(const std::function<bool()>& condition, const std::
         }
         if (!pump(lookAgainMilliseconds) && pty.master() < 0) {
             poll(nullptr, 0, lookAgainMilliseconds);
+        }
+        for (int more = 0; more < mostPumpsAtOnce && pump(0); ++more) {
         }
     }
 }
