@@ -122,10 +122,12 @@ terminal_guard::terminal_guard() {
 }
 
 terminal_guard::~terminal_guard() {
-    // Whoever hid the cursor is gone by now and has shown it again.
-    std::fflush(stdout);
-    cursorLength = 0;
+    // Whoever hid the cursor is gone by now and has shown it again, if that can be written.
+    if (std::fflush(stdout) == 0) {
+        cursorLength = 0;
+    }
     restoreTerminal();
+    cursorLength = 0;
     attributesKnown = 0;
     setFatalSignalAction(SIG_DFL);
     setStopSignalAction(SIG_DFL);

@@ -196,7 +196,8 @@ bool terminal_session::isWaitingForKey() const {
     // In raw mode a read never waits for a key, though it may be seen waiting for a lock.
     const bool isCookedRead =
         call.number == SYS_read && call.arguments[0] == STDIN_FILENO && pty.isCooked();
-    return (isEpollWait && call.arguments[3] == noTimeLimit) || isCookedRead;
+    const bool isRest = call.number == SYS_poll && call.arguments[1] == 0;  // without descriptors
+    return (isEpollWait && call.arguments[3] == noTimeLimit) || isCookedRead || isRest;
 }
 
 bool terminal_session::isWaitingForMore() const {
@@ -205,16 +206,23 @@ bool terminal_session::isWaitingForMore() const {
     return isEpollWait && call.arguments[3] != noTimeLimit;
 }
 
+/// The looks at a moving process do not happen at once: they have to agree on one sleep.
+bool terminal_session::isAtNextKey() const {
+    const std::string sleep = timesBlocked(followed);
+    return sleep != timesBlockedAtLastKey && isWaitingForKey() && sleep == timesBlocked(followed);
+}
+
 void terminal_session::awaitKeyWait() {
-    // The looks at a moving process do not happen at once: they have to agree on one sleep.
-    const auto isAtNextKey = [this] {
-        const std::string sleep = timesBlocked(followed);
-        return sleep != timesBlockedAtLastKey && isWaitingForKey() &&
-               sleep == timesBlocked(followed);
-    };
-    await(isAtNextKey, "a wait for a key");
+    await([this] { return isAtNextKey(); }, "a wait for a key");
     while (pump(0)) {
     }
+}
+
+bool terminal_session::awaitKeyWaitOrEnd() {
+    await([this] { return isAtNextKey() || hasEnded(); }, "a wait for a key or the end");
+    while (pump(0)) {
+    }
+    return !hasEnded();
 }
 
 void terminal_session::type(std::string_view bytes) {

@@ -46,6 +46,10 @@ public:
     /// output is on the screen.
     void awaitKeyWait();
 
+    /// Returns when the process waits for the next key or has ended.
+    /// @return true when it waits
+    bool awaitKeyWaitOrEnd();
+
     void awaitScreen(std::string_view text);
     void await(const std::function<bool()>& condition, const std::string& what);
 
@@ -80,6 +84,7 @@ public:
 private:
     void start(const std::function<void()>& inChild);
     bool pump(int milliseconds);
+    bool isAtNextKey() const;
 
     pseudo_terminal pty;
     terminal_screen display;

@@ -1,0 +1,219 @@
+// Lets calls of the program fail. Linked into a static build of it with the linker's --wrap, so that
+// the calls within the C library and terminfo are met as well. The environment says what fails:
+//
+//   FAULT=CALL:FIRST:LAST:ERROR   the calls FIRST to LAST of this one fail with this errno; "short"
+//                                 and "eof" are errors of write and read alone
+//   FAULT_LOG=FILE                is created once a call has failed
+//
+// Child programs know nothing of it, as they get an environment of their own.
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/epoll.h>
+#include <sys/syscall.h>
+#include <termios.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+extern "C" char* __real_getenv(const char* name);
+
+namespace {
+
+constexpr int shortCount = -2;
+constexpr int endOfFile = -3;
+
+int releaseFile = -1;
+
+struct fault_t {
+    char call[64] = "";
+    int first = 0;
+    int last = 0;
+    int error = 0;
+    int seen = 0;
+};
+
+int errorNumber(const char* name) {
+    static constexpr struct {
+        const char* name;
+        int number;
+    } errors[] = {{"EIO", EIO},       {"ENOSPC", ENOSPC}, {"EAGAIN", EAGAIN}, {"EINTR", EINTR},
+                  {"EBADF", EBADF},   {"EMFILE", EMFILE}, {"EPERM", EPERM},   {"ENOENT", ENOENT},
+                  {"EACCES", EACCES}, {"ENOMEM", ENOMEM}, {"E2BIG", E2BIG},   {"ECHILD", ECHILD},
+                  {"short", shortCount}, {"eof", endOfFile}};
+    for (const auto& error : errors) {
+        if (std::strcmp(error.name, name) == 0) {
+            return error.number;
+        }
+    }
+    std::abort();
+}
+
+fault_t& fault() {
+    static fault_t wanted = [] {
+        fault_t read;
+        char error[16] = "";
+        const char* text = __real_getenv("FAULT");
+        if (text != nullptr && std::sscanf(text, "%63[^:]:%d:%d:%15s", read.call, &read.first,
+                                           &read.last, error) == 4) {
+            read.error = errorNumber(error);
+        }
+        return read;
+    }();
+    return wanted;
+}
+
+/// @return the error of this call of that name, 0 where it is to succeed
+int errorOf(const char* call) {
+    fault_t& wanted = fault();
+    if (std::strcmp(wanted.call, call) != 0) {
+        return 0;
+    }
+    ++wanted.seen;
+    if (wanted.seen < wanted.first || wanted.seen > wanted.last) {
+        return 0;
+    }
+    const char* log = __real_getenv("FAULT_LOG");
+    if (log != nullptr) {
+        syscall(SYS_close, syscall(SYS_openat, AT_FDCWD, log, O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
+    }
+    errno = wanted.error;
+    return wanted.error;
+}
+
+}  // namespace
+
+extern "C" {
+
+int __real_tcgetattr(int descriptor, termios* attributes);
+int __wrap_tcgetattr(int descriptor, termios* attributes) {
+    return errorOf("tcgetattr") != 0 ? -1 : __real_tcgetattr(descriptor, attributes);
+}
+
+int __real_tcsetattr(int descriptor, int actions, const termios* attributes);
+int __wrap_tcsetattr(int descriptor, int actions, const termios* attributes) {
+    return errorOf("tcsetattr") != 0 ? -1 : __real_tcsetattr(descriptor, actions, attributes);
+}
+
+int __real_setupterm(const char* name, int descriptor, int* result);
+int __wrap_setupterm(const char* name, int descriptor, int* result) {
+    return errorOf("setupterm") != 0 ? -1 : __real_setupterm(name, descriptor, result);
+}
+
+char* __real_tigetstr(const char* name);
+char* __wrap_tigetstr(const char* name) {
+    return errorOf("tigetstr") != 0 ? nullptr : __real_tigetstr(name);
+}
+
+char* __real_tparm(const char* sequence, long, long, long, long, long, long, long, long, long);
+char* __wrap_tparm(const char* sequence, long number, long, long, long, long, long, long, long,
+                   long) {
+    return errorOf("tparm") != 0 ? nullptr : __real_tparm(sequence, number, 0, 0, 0, 0, 0, 0, 0, 0);
+}
+
+int __real_putp(const char* sequence);
+int __wrap_putp(const char* sequence) {
+    return errorOf("putp") != 0 ? -1 : __real_putp(sequence);
+}
+
+char* __real_getcwd(char* buffer, size_t size);
+char* __wrap_getcwd(char* buffer, size_t size) {
+    return errorOf("getcwd") != 0 ? nullptr : __real_getcwd(buffer, size);
+}
+
+char* __wrap_getenv(const char* name) {
+    char call[32] = "getenv ";
+    std::strncat(call, name, sizeof call - std::strlen(call) - 1);
+    return errorOf(call) != 0 ? nullptr : __real_getenv(name);
+}
+
+int __real_access(const char* path, int mode);
+int __wrap_access(const char* path, int mode) {
+    // terminfo looks for its own files, too
+    const bool isOurs = mode == F_OK;
+    return isOurs && errorOf("access") != 0 ? -1 : __real_access(path, mode);
+}
+
+std::FILE* __real_fopen(const char* path, const char* mode);
+std::FILE* __wrap_fopen(const char* path, const char* mode) {
+    const bool isOurs = std::strcmp(mode, "re") == 0;  // terminfo opens its own files, too
+    if (isOurs && errorOf("fopen") != 0) {
+        return nullptr;
+    }
+    std::FILE* file = __real_fopen(path, mode);
+    if (isOurs && file != nullptr) {
+        releaseFile = fileno(file);
+    }
+    return file;
+}
+
+int __real_posix_spawn_file_actions_init(posix_spawn_file_actions_t* actions);
+int __wrap_posix_spawn_file_actions_init(posix_spawn_file_actions_t* actions) {
+    const int error = errorOf("posix_spawn_file_actions_init");
+    return error != 0 ? error : __real_posix_spawn_file_actions_init(actions);
+}
+
+int __real_posix_spawnp(pid_t* child, const char* file, const posix_spawn_file_actions_t* actions,
+                        const posix_spawnattr_t* attributes, char* const* arguments,
+                        char* const* environment);
+int __wrap_posix_spawnp(pid_t* child, const char* file, const posix_spawn_file_actions_t* actions,
+                        const posix_spawnattr_t* attributes, char* const* arguments,
+                        char* const* environment) {
+    const int error = errorOf("posix_spawnp");
+    return error != 0 ? error
+                      : __real_posix_spawnp(child, file, actions, attributes, arguments, environment);
+}
+
+pid_t __real_waitpid(pid_t child, int* status, int options);
+pid_t __wrap_waitpid(pid_t child, int* status, int options) {
+    return errorOf("waitpid") != 0 ? -1 : __real_waitpid(child, status, options);
+}
+
+int __real_epoll_create1(int flags);
+int __wrap_epoll_create1(int flags) {
+    return errorOf("epoll_create1") != 0 ? -1 : __real_epoll_create1(flags);
+}
+
+int __real_epoll_ctl(int instance, int operation, int descriptor, epoll_event* event);
+int __wrap_epoll_ctl(int instance, int operation, int descriptor, epoll_event* event) {
+    return errorOf("epoll_ctl") != 0 ? -1 : __real_epoll_ctl(instance, operation, descriptor, event);
+}
+
+int __real_epoll_wait(int instance, epoll_event* events, int most, int milliseconds);
+int __wrap_epoll_wait(int instance, epoll_event* events, int most, int milliseconds) {
+    return errorOf("epoll_wait") != 0 ? -1
+                                      : __real_epoll_wait(instance, events, most, milliseconds);
+}
+
+int __real_nanosleep(const timespec* interval, timespec* rest);
+int __wrap_nanosleep(const timespec* interval, timespec* rest) {
+    return errorOf("nanosleep") != 0 ? -1 : __real_nanosleep(interval, rest);
+}
+
+ssize_t __real___write(int descriptor, const void* bytes, size_t count);
+ssize_t __wrap___write(int descriptor, const void* bytes, size_t count) {
+    const int error = descriptor == STDOUT_FILENO ? errorOf("write") : 0;
+    if (error == shortCount) {
+        return __real___write(descriptor, bytes, 1);
+    }
+    return error != 0 ? -1 : __real___write(descriptor, bytes, count);
+}
+
+ssize_t __real___read(int descriptor, void* bytes, size_t count);
+ssize_t __wrap___read(int descriptor, void* bytes, size_t count) {
+    const int error = descriptor == STDIN_FILENO  ? errorOf("read terminal")
+                      : descriptor == releaseFile ? errorOf("read file")
+                                                  : 0;
+    if (error == endOfFile) {
+        return 0;
+    }
+    return error != 0 ? -1 : __real___read(descriptor, bytes, count);
+}
+
+}  // extern "C"

@@ -1,0 +1,204 @@
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+
+#include "e2e/tool_test.hpp"
+
+namespace {
+
+/// How the program ends when nobody interferes.
+constexpr const char* normalEnd = "Exitting program 'varnmenu' due to user normal exit";
+
+struct fault_row_t {
+    const char* name;
+    const char* fault;    ///< see fault_points.cpp
+    const char* text;     ///< what the user is told
+    int exitStatus = 0;   ///< 128 and the signal's number for a death by a signal
+    const char* arguments = "";
+};
+
+/// The program with a call that fails, and a user who reads a document, flashes and leaves.
+class fault_test : public tool_test {
+protected:
+    void start(const std::string& fault, const std::string& argument = "") {
+        package.remove("programs/less");
+        package.let("more", "show");
+        program.path = FAULT_PROGRAM;
+        if (!argument.empty()) {
+            program.arguments.push_back(argument);
+        }
+        program.environment["FAULT"] = fault;
+        program.environment["FAULT_LOG"] = (package.root() / "fault.log").string();
+        tool_test::start(24, 120);
+    }
+
+    bool hasFailed() const { return std::filesystem::exists(package.root() / "fault.log"); }
+
+    bool isMenuShown() const {
+        const auto rows = session->screen().rows();
+        return rows.size() > 3 && rows[rows.size() - 3].starts_with(">") &&
+               !session->screen().contains("Press ENTER");
+    }
+
+    /// Goes through document, flash and Exit. ENTER confirms whatever asks for it on the way; and
+    /// where a key has changed nothing, the question may have got lost.
+    /// @return exit status as a shell counts
+    int walk() {
+        std::vector<std::string> choices{"8", "1", "5"};
+        std::string before;
+        for (int keys = 0; keys < mostKeys && session->awaitKeyWaitOrEnd(); ++keys) {
+            const std::string now = session->screen().text();
+            const bool isChosen = session->screen().contains("\n> " + choices.back() + "\n");
+            if (isMenuShown() && !isChosen && now != before) {
+                session->press(choices.back());
+            } else {
+                if (isMenuShown() && isChosen && choices.size() > 1) {
+                    choices.pop_back();
+                }
+                session->press("\r");
+            }
+            before = now;
+        }
+        return awaitEnd();
+    }
+
+    void expectNothingLeftBehind() {
+        expectTerminalRestored();
+        session->await(
+            [&] {
+                const auto runs = package.runs();
+                return std::all_of(runs.begin(), runs.end(), [](const auto& run) { return run.ended; });
+            },
+            "the children to end");
+    }
+
+private:
+    static constexpr int mostKeys = 40;
+};
+
+class fault_row_test : public fault_test, public testing::WithParamInterface<fault_row_t> {};
+class fault_sweep_test : public fault_test, public testing::WithParamInterface<const char*> {};
+
+}  // namespace
+
+TEST_P(fault_row_test, IsToldAsItShould) {
+    start(GetParam().fault, GetParam().arguments);
+    EXPECT_EQ(GetParam().exitStatus, walk());
+    EXPECT_TRUE(hasFailed());
+    EXPECT_NE(std::string::npos, session->output().find(GetParam().text)) << session->output();
+    expectNothingLeftBehind();
+}
+
+#define CRIT "[CRIT] Invalid argument error: "
+constexpr const char* cannotRun = "Command cannot be executed properly";
+constexpr const char* cannotPrint = "[WARN] Cannot print terminal line";
+constexpr const char* noInput = "[WARN] Cannot extract user input";
+constexpr const char* noEnvironment = CRIT "Environment variables cannot be initialized";
+constexpr const char* noSequences = CRIT "Cannot initialize terminal sequences";
+constexpr const char* notProper =
+    CRIT "Info file has not all needed data or provided is not proper";
+
+INSTANTIATE_TEST_SUITE_P(
+    Calls, fault_row_test,
+    testing::Values(
+        fault_row_t{"AttributesRead", "tcgetattr:2:2:EIO", CRIT "Cannot initialize terminal"},
+        fault_row_t{"AttributesSet", "tcsetattr:1:1:EIO", CRIT "Cannot initialize terminal"},
+        fault_row_t{"TerminfoOpened", "setupterm:1:1:EIO", CRIT "Cannot initialize terminal"},
+        fault_row_t{"FirstSequence", "tigetstr:1:1:EIO", noSequences},
+        fault_row_t{"LastSequence", "tigetstr:14:14:EIO", noSequences},
+        fault_row_t{"FirstColour", "tparm:1:1:EIO",
+                    CRIT "Cannot get parameter for terminal sequence"},
+        fault_row_t{"FirstClear", "putp:1:1:EIO", "[CRIT] General exception: Cannot print"},
+        fault_row_t{"FirstHiddenCursor", "putp:2:2:EIO", "[CRIT] General exception: Cannot print"},
+        fault_row_t{"FirstMenu", "putp:3:3:EIO", cannotPrint},
+        fault_row_t{"WorkingDirectory", "getcwd:1:1:ENOENT", noEnvironment},
+        fault_row_t{"WorkingDirectoryForGood", "getcwd:1:99:ENOENT", noEnvironment},
+        fault_row_t{"Path", "getenv PATH:1:9:EIO", noEnvironment},
+        fault_row_t{"TerminalTypeOfTheTerminal", "getenv TERM:1:1:EIO", noSequences},
+        fault_row_t{"TerminalTypeOfChildren", "getenv TERM:2:9:EIO", noEnvironment}),
+    [](const auto& row) { return row.param.name; });
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, fault_row_test,
+    testing::Values(
+        fault_row_t{"ReleaseFileTest", "access:1:1:ENOENT", CRIT "Info file is missing"},
+        fault_row_t{"ImageTest", "access:2:2:EACCES", CRIT "Firmware file not found: fw.bin"},
+        fault_row_t{"CoreProgramTest", "access:3:3:EACCES",
+                    CRIT "Flashtools core program not available"},
+        fault_row_t{"DocumentTest", "access:4:4:EACCES",
+                    "[WARN] Text file is not present ../readme.txt"},
+        fault_row_t{"ReleaseFileOpened", "fopen:1:1:EACCES", notProper},
+        fault_row_t{"ReleaseFileRead", "read file:1:1:EIO", notProper},
+        fault_row_t{"ReleaseFileAtItsEnd", "read file:1:1:eof", notProper}),
+    [](const auto& row) { return row.param.name; });
+
+INSTANTIATE_TEST_SUITE_P(
+    Children, fault_row_test,
+    testing::Values(
+        fault_row_t{"QuestionNotFound", "posix_spawnp:1:1:ENOENT", cannotRun},
+        fault_row_t{"QuestionNotAllowed", "posix_spawnp:1:1:EACCES", cannotRun},
+        fault_row_t{"QuestionWithoutMemory", "posix_spawnp:1:1:ENOMEM", cannotRun},
+        fault_row_t{"QuestionTooLong", "posix_spawnp:1:1:E2BIG", cannotRun},
+        fault_row_t{"ReaderSearch", "posix_spawnp:2:2:ENOENT", cannotRun},
+        fault_row_t{"NoFileActions", "posix_spawn_file_actions_init:1:9:ENOMEM", normalEnd},
+        fault_row_t{"QuestionNotAwaited", "waitpid:1:1:ECHILD", cannotRun},
+        fault_row_t{"QuestionInterrupted", "waitpid:1:1:EINTR", cannotRun},
+        fault_row_t{"ReaderSearchNotAwaited", "waitpid:2:2:ECHILD", cannotRun}),
+    [](const auto& row) { return row.param.name; });
+
+INSTANTIATE_TEST_SUITE_P(
+    Waits, fault_row_test,
+    testing::Values(
+        fault_row_t{"NoInstance", "epoll_create1:1:1:EMFILE", noInput},
+        fault_row_t{"NoRegistration", "epoll_ctl:1:1:EPERM", noInput},
+        fault_row_t{"NineInterruptions", "epoll_wait:1:9:EINTR", normalEnd},
+        fault_row_t{"TenInterruptions", "epoll_wait:1:10:EINTR", noInput},
+        fault_row_t{"BadInstance", "epoll_wait:1:1:EBADF", noInput},
+        fault_row_t{"KeyNotRead", "read terminal:2:2:EIO", noInput},
+        fault_row_t{"KeyAtEndOfFile", "read terminal:2:2:eof", noInput},
+        fault_row_t{"TypeAheadNotRead", "read terminal:1:1:EIO", normalEnd},
+        fault_row_t{"PauseOfAFlash", "nanosleep:1:1:EINTR",
+                    "[WARN] Cannot complete delay of seconds: 2", 0, "--eval"}),
+    [](const auto& row) { return row.param.name; });
+
+INSTANTIATE_TEST_SUITE_P(
+    Output, fault_row_test,
+    testing::Values(
+        fault_row_t{"MenuNotWritten", "write:2:2:EIO", cannotPrint},
+        fault_row_t{"NoRoomForTheMenu", "write:2:2:ENOSPC", cannotPrint},
+        fault_row_t{"MenuRefused", "write:2:2:EAGAIN", cannotPrint},
+        fault_row_t{"RedrawNotWritten", "write:3:3:EIO", cannotPrint},
+        fault_row_t{"MenuInPieces", "write:1:500:short", normalEnd}),
+    [](const auto& row) { return row.param.name; });
+
+// Every call fails at every point where it is made, one at a time: whatever comes of it, the
+// program ends orderly and leaves nothing behind. A terminal that cannot be given back is the one
+// thing that ends it by SIGABRT.
+TEST_P(fault_sweep_test, EndsOrderlyWhereverItFails) {
+    const std::set<int> orderly{0, 128 + SIGABRT};
+    for (int call = 1;; ++call) {
+        package.remove("fault.log");
+        const std::string at = std::to_string(call);
+        start(std::string(GetParam()) + ":" + at + ":" + at + ":EIO");
+        const int status = walk();
+        if (!hasFailed()) {
+            EXPECT_GT(call, 1) << "never called";
+            break;
+        }
+        EXPECT_TRUE(orderly.contains(status)) << GetParam() << " " << call << ": " << status;
+        EXPECT_TRUE(status == 0 || session->output().find("terminate") != std::string::npos);
+        expectNothingLeftBehind();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Calls, fault_sweep_test,
+                         testing::Values("tcgetattr", "tcsetattr", "setupterm", "tigetstr", "tparm",
+                                         "putp", "getcwd", "getenv TERM", "access",
+                                         "fopen", "read file", "posix_spawn_file_actions_init",
+                                         "posix_spawnp", "waitpid", "epoll_create1", "epoll_ctl",
+                                         "epoll_wait", "write", "read terminal"),
+                         [](const auto& call) {
+                             std::string name = call.param;
+                             std::replace(name.begin(), name.end(), ' ', '_');
+                             return name;
+                         });
