@@ -1,4 +1,5 @@
 #include <csignal>
+#include <ostream>
 
 #include "e2e/tool_test.hpp"
 
@@ -9,6 +10,8 @@ struct flash_case_t {
     const char* message;
     const char* commandLine;
 };
+
+void PrintTo(const flash_case_t& entry, std::ostream* out) { *out << entry.commandLine; }
 
 class flash_entry_test : public tool_test, public testing::WithParamInterface<flash_case_t> {};
 

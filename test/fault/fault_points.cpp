@@ -1,8 +1,10 @@
-// Lets calls of the program fail. Linked into a static build of it with the linker's --wrap, so that
-// the calls within the C library and terminfo are met as well. The environment says what fails:
+// Lets calls of the program fail. Linked into a static build of it with the linker's --wrap, so
+// that the calls within the C library and terminfo are met as well. The environment says what
+// fails:
 //
 //   FAULT=CALL:FIRST:LAST:ERROR   the calls FIRST to LAST of this one fail with this errno; "short"
-//                                 and "eof" are errors of write and read alone
+//                                 and "eof" are errors of write and read alone, "out-of-range"
+//                                 and "integer" are exceptions that waitpid throws
 //   FAULT_LOG=FILE                is created once a call has failed
 //
 // Child programs know nothing of it, as they get an environment of their own.
@@ -21,6 +23,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <stdexcept>
 
 extern "C" char* __real_getenv(const char* name);
 
@@ -28,6 +31,8 @@ namespace {
 
 constexpr int shortCount = -2;
 constexpr int endOfFile = -3;
+constexpr int throwOutOfRange = -4;
+constexpr int throwInteger = -5;
 
 int releaseFile = -1;
 
@@ -43,10 +48,22 @@ int errorNumber(const char* name) {
     static constexpr struct {
         const char* name;
         int number;
-    } errors[] = {{"EIO", EIO},       {"ENOSPC", ENOSPC}, {"EAGAIN", EAGAIN}, {"EINTR", EINTR},
-                  {"EBADF", EBADF},   {"EMFILE", EMFILE}, {"EPERM", EPERM},   {"ENOENT", ENOENT},
-                  {"EACCES", EACCES}, {"ENOMEM", ENOMEM}, {"E2BIG", E2BIG},   {"ECHILD", ECHILD},
-                  {"short", shortCount}, {"eof", endOfFile}};
+    } errors[] = {{"EIO", EIO},
+                  {"ENOSPC", ENOSPC},
+                  {"EAGAIN", EAGAIN},
+                  {"EINTR", EINTR},
+                  {"EBADF", EBADF},
+                  {"EMFILE", EMFILE},
+                  {"EPERM", EPERM},
+                  {"ENOENT", ENOENT},
+                  {"EACCES", EACCES},
+                  {"ENOMEM", ENOMEM},
+                  {"E2BIG", E2BIG},
+                  {"ECHILD", ECHILD},
+                  {"short", shortCount},
+                  {"eof", endOfFile},
+                  {"out-of-range", throwOutOfRange},
+                  {"integer", throwInteger}};
     for (const auto& error : errors) {
         if (std::strcmp(error.name, name) == 0) {
             return error.number;
@@ -58,9 +75,9 @@ int errorNumber(const char* name) {
 fault_t& fault() {
     static fault_t wanted = [] {
         fault_t read;
-        char error[16] = "";
+        char error[24] = "";
         const char* text = __real_getenv("FAULT");
-        if (text != nullptr && std::sscanf(text, "%63[^:]:%d:%d:%15s", read.call, &read.first,
+        if (text != nullptr && std::sscanf(text, "%63[^:]:%d:%d:%23s", read.call, &read.first,
                                            &read.last, error) == 4) {
             read.error = errorNumber(error);
         }
@@ -81,7 +98,8 @@ int errorOf(const char* call) {
     }
     const char* log = __real_getenv("FAULT_LOG");
     if (log != nullptr) {
-        syscall(SYS_close, syscall(SYS_openat, AT_FDCWD, log, O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
+        syscall(SYS_close,
+                syscall(SYS_openat, AT_FDCWD, log, O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
     }
     errno = wanted.error;
     return wanted.error;
@@ -118,9 +136,7 @@ char* __wrap_tparm(const char* sequence, long number, long, long, long, long, lo
 }
 
 int __real_putp(const char* sequence);
-int __wrap_putp(const char* sequence) {
-    return errorOf("putp") != 0 ? -1 : __real_putp(sequence);
-}
+int __wrap_putp(const char* sequence) { return errorOf("putp") != 0 ? -1 : __real_putp(sequence); }
 
 char* __real_getcwd(char* buffer, size_t size);
 char* __wrap_getcwd(char* buffer, size_t size) {
@@ -166,13 +182,21 @@ int __wrap_posix_spawnp(pid_t* child, const char* file, const posix_spawn_file_a
                         const posix_spawnattr_t* attributes, char* const* arguments,
                         char* const* environment) {
     const int error = errorOf("posix_spawnp");
-    return error != 0 ? error
-                      : __real_posix_spawnp(child, file, actions, attributes, arguments, environment);
+    return error != 0
+               ? error
+               : __real_posix_spawnp(child, file, actions, attributes, arguments, environment);
 }
 
 pid_t __real_waitpid(pid_t child, int* status, int options);
 pid_t __wrap_waitpid(pid_t child, int* status, int options) {
-    return errorOf("waitpid") != 0 ? -1 : __real_waitpid(child, status, options);
+    const int error = errorOf("waitpid");
+    if (error == throwOutOfRange) {
+        throw std::out_of_range("map::at");
+    }
+    if (error == throwInteger) {
+        throw error;
+    }
+    return error != 0 ? -1 : __real_waitpid(child, status, options);
 }
 
 int __real_epoll_create1(int flags);
@@ -182,7 +206,8 @@ int __wrap_epoll_create1(int flags) {
 
 int __real_epoll_ctl(int instance, int operation, int descriptor, epoll_event* event);
 int __wrap_epoll_ctl(int instance, int operation, int descriptor, epoll_event* event) {
-    return errorOf("epoll_ctl") != 0 ? -1 : __real_epoll_ctl(instance, operation, descriptor, event);
+    return errorOf("epoll_ctl") != 0 ? -1
+                                     : __real_epoll_ctl(instance, operation, descriptor, event);
 }
 
 int __real_epoll_wait(int instance, epoll_event* events, int most, int milliseconds);

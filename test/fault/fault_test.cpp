@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <ostream>
 
 #include "e2e/tool_test.hpp"
 
@@ -11,11 +12,13 @@ constexpr const char* normalEnd = "Exitting program 'varnmenu' due to user norma
 
 struct fault_row_t {
     const char* name;
-    const char* fault;    ///< see fault_points.cpp
-    const char* text;     ///< what the user is told
-    int exitStatus = 0;   ///< 128 and the signal's number for a death by a signal
+    const char* fault;   ///< see fault_points.cpp
+    const char* text;    ///< what the user is told
+    int exitStatus = 0;  ///< 128 and the signal's number for a death by a signal
     const char* arguments = "";
 };
+
+void PrintTo(const fault_row_t& row, std::ostream* out) { *out << row.fault; }
 
 /// The program with a call that fails, and a user who reads a document, flashes and leaves.
 class fault_test : public tool_test {
@@ -67,7 +70,8 @@ protected:
         session->await(
             [&] {
                 const auto runs = package.runs();
-                return std::all_of(runs.begin(), runs.end(), [](const auto& run) { return run.ended; });
+                return std::all_of(runs.begin(), runs.end(),
+                                   [](const auto& run) { return run.ended; });
             },
             "the children to end");
     }
@@ -143,32 +147,34 @@ INSTANTIATE_TEST_SUITE_P(
         fault_row_t{"NoFileActions", "posix_spawn_file_actions_init:1:9:ENOMEM", normalEnd},
         fault_row_t{"QuestionNotAwaited", "waitpid:1:1:ECHILD", cannotRun},
         fault_row_t{"QuestionInterrupted", "waitpid:1:1:EINTR", cannotRun},
-        fault_row_t{"ReaderSearchNotAwaited", "waitpid:2:2:ECHILD", cannotRun}),
+        fault_row_t{"ReaderSearchNotAwaited", "waitpid:2:2:ECHILD", cannotRun},
+        fault_row_t{"OutOfRange", "waitpid:1:1:out-of-range", "[CRIT] Out of range error: map::at"},
+        fault_row_t{"OutOfRangeInTheMenu", "waitpid:2:2:out-of-range",
+                    "[CRIT] Out of range error: map::at"},
+        fault_row_t{"AnythingElse", "waitpid:1:1:integer", "[CRIT] Unknown exception"}),
     [](const auto& row) { return row.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
     Waits, fault_row_test,
-    testing::Values(
-        fault_row_t{"NoInstance", "epoll_create1:1:1:EMFILE", noInput},
-        fault_row_t{"NoRegistration", "epoll_ctl:1:1:EPERM", noInput},
-        fault_row_t{"NineInterruptions", "epoll_wait:1:9:EINTR", normalEnd},
-        fault_row_t{"TenInterruptions", "epoll_wait:1:10:EINTR", noInput},
-        fault_row_t{"BadInstance", "epoll_wait:1:1:EBADF", noInput},
-        fault_row_t{"KeyNotRead", "read terminal:2:2:EIO", noInput},
-        fault_row_t{"KeyAtEndOfFile", "read terminal:2:2:eof", noInput},
-        fault_row_t{"TypeAheadNotRead", "read terminal:1:1:EIO", normalEnd},
-        fault_row_t{"PauseOfAFlash", "nanosleep:1:1:EINTR",
-                    "[WARN] Cannot complete delay of seconds: 2", 0, "--eval"}),
+    testing::Values(fault_row_t{"NoInstance", "epoll_create1:1:1:EMFILE", noInput},
+                    fault_row_t{"NoRegistration", "epoll_ctl:1:1:EPERM", noInput},
+                    fault_row_t{"NineInterruptions", "epoll_wait:1:9:EINTR", normalEnd},
+                    fault_row_t{"TenInterruptions", "epoll_wait:1:10:EINTR", noInput},
+                    fault_row_t{"BadInstance", "epoll_wait:1:1:EBADF", noInput},
+                    fault_row_t{"KeyNotRead", "read terminal:2:2:EIO", noInput},
+                    fault_row_t{"KeyAtEndOfFile", "read terminal:2:2:eof", noInput},
+                    fault_row_t{"TypeAheadNotRead", "read terminal:1:1:EIO", normalEnd},
+                    fault_row_t{"PauseOfAFlash", "nanosleep:1:1:EINTR",
+                                "[WARN] Cannot complete delay of seconds: 2", 0, "--eval"}),
     [](const auto& row) { return row.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
     Output, fault_row_test,
-    testing::Values(
-        fault_row_t{"MenuNotWritten", "write:2:2:EIO", cannotPrint},
-        fault_row_t{"NoRoomForTheMenu", "write:2:2:ENOSPC", cannotPrint},
-        fault_row_t{"MenuRefused", "write:2:2:EAGAIN", cannotPrint},
-        fault_row_t{"RedrawNotWritten", "write:3:3:EIO", cannotPrint},
-        fault_row_t{"MenuInPieces", "write:1:500:short", normalEnd}),
+    testing::Values(fault_row_t{"MenuNotWritten", "write:2:2:EIO", cannotPrint},
+                    fault_row_t{"NoRoomForTheMenu", "write:2:2:ENOSPC", cannotPrint},
+                    fault_row_t{"MenuRefused", "write:2:2:EAGAIN", cannotPrint},
+                    fault_row_t{"RedrawNotWritten", "write:3:3:EIO", cannotPrint},
+                    fault_row_t{"MenuInPieces", "write:1:500:short", normalEnd}),
     [](const auto& row) { return row.param.name; });
 
 // Every call fails at every point where it is made, one at a time: whatever comes of it, the
@@ -193,8 +199,8 @@ TEST_P(fault_sweep_test, EndsOrderlyWhereverItFails) {
 
 INSTANTIATE_TEST_SUITE_P(Calls, fault_sweep_test,
                          testing::Values("tcgetattr", "tcsetattr", "setupterm", "tigetstr", "tparm",
-                                         "putp", "getcwd", "getenv TERM", "access",
-                                         "fopen", "read file", "posix_spawn_file_actions_init",
+                                         "putp", "getcwd", "getenv TERM", "access", "fopen",
+                                         "read file", "posix_spawn_file_actions_init",
                                          "posix_spawnp", "waitpid", "epoll_create1", "epoll_ctl",
                                          "epoll_wait", "write", "read terminal"),
                          [](const auto& call) {
