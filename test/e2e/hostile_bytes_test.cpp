@@ -1,0 +1,117 @@
+#include "e2e/tool_test.hpp"
+
+namespace {
+
+constexpr int endOfText = 0x03;
+constexpr int escape = 0x1b;
+constexpr int goOn = 0x11;  // Ctrl-Q and Ctrl-S never reach the program
+constexpr int halt = 0x13;
+
+bool isTheDrivers(int byte) { return byte == goOn || byte == halt; }
+
+/// One session in which every byte value is typed in turn.
+class hostile_bytes_test : public tool_test {
+protected:
+    void startAtReadme() {
+        startMenu();
+        session->press("5");
+        awaitMenu("5");
+        menu = session->screen().text();
+    }
+
+    /// Types the byte and expects the warning that a user has to confirm.
+    void expectWarning(const std::string& keys) {
+        session->press(keys);
+        session->awaitScreen("[WARN] Wrong");
+        session->awaitScreen("Press ENTER to continue...");
+        session->press("\r");
+        expectMenu(keys);
+    }
+
+    /// The menu is as if nothing had been typed.
+    void expectMenu(const std::string& keys) {
+        awaitMenu("5");
+        EXPECT_EQ(menu, session->screen().text()) << "byte " << static_cast<int>(keys.back());
+    }
+
+    void expectMove(int byte) {
+        const std::string digit(1, static_cast<char>(byte));
+        session->press(digit);
+        awaitMenu(digit);
+        session->press("5");
+        expectMenu(digit);
+    }
+
+    void expectConfirmation(int byte) {
+        const std::size_t before = package.runs().size();
+        session->press(std::string(1, static_cast<char>(byte)));
+        session->await([&] { return package.runs().size() > before; }, "the reader");
+        awaitMenu("5");
+        EXPECT_EQ("less ../readme.txt", package.commandLines().back());
+    }
+
+    void expectOwnResult(int byte) {
+        if (byte >= '1' && byte <= '8') {
+            expectMove(byte);
+        } else if (byte == '\n' || byte == '\r') {
+            expectConfirmation(byte);
+        } else {
+            expectWarning(std::string(1, static_cast<char>(byte)));
+        }
+    }
+
+    std::string menu;
+};
+
+}  // namespace
+
+TEST_F(hostile_bytes_test, EveryByteAloneHasItsResult) {
+    startAtReadme();
+    for (int byte = 0; byte <= 0xff; ++byte) {
+        if (byte != endOfText && !isTheDrivers(byte)) {
+            expectOwnResult(byte);
+        }
+    }
+}
+
+// A second byte, whichever it is, makes a key that the menu does not know; it is passed over
+// without a word, and with an ENTER or a digit in it, it confirms and moves nothing.
+TEST_F(hostile_bytes_test, EveryByteBehindAnEscapeIsPassedOver) {
+    startAtReadme();
+    const std::size_t runs = package.runs().size();
+    for (int byte = 0; byte <= 0xff; ++byte) {
+        if (byte != endOfText && !isTheDrivers(byte)) {
+            const std::string keys{escape, static_cast<char>(byte)};
+            session->press(keys);
+            expectMenu(keys);
+        }
+    }
+    EXPECT_EQ(std::string::npos, session->output().find("[WARN]"));
+    EXPECT_EQ(runs, package.runs().size());
+    session->press("3");
+    awaitMenu("3");
+}
+
+TEST_F(hostile_bytes_test, TheDriversBytesAreNoKeys) {
+    startAtReadme();
+    const std::size_t before = session->output().size();
+    session->type(std::string{goOn, halt, goOn});
+    session->press("3");
+    awaitMenu("3");
+    EXPECT_EQ(std::string::npos, session->output().find("[WARN]", before));
+}
+
+// To the program that is an escape key alone.
+TEST_F(hostile_bytes_test, TheDriversBytesBehindAnEscapeAreNoSecondByte) {
+    startAtReadme();
+    expectWarning(std::string{escape, goOn});
+    expectWarning(std::string{escape, halt, goOn});
+}
+
+TEST_F(hostile_bytes_test, CtrlCBehindAnEscapeEndsTheProgram) {
+    startAtReadme();
+    session->press(std::string{escape, endOfText});
+    EXPECT_EQ(0, awaitEnd());
+    EXPECT_TRUE(session->screen().contains("due to user interruption"));
+    expectTerminalRestored();
+}
