@@ -135,7 +135,7 @@ void termcurses::initTermcurses() {
     };
     initTerminal(TERM_INIT);
     initSequences();
-    terminal_guard::rememberCursor(sequences.at(cap_show_cursor));
+    terminal_guard::rememberCursor(sequences.at(cap_show_cursor), sequences.at(cap_hide_cursor));
     print(sequences.at(cap_clear));
     print(sequences.at(cap_hide_cursor));
 }

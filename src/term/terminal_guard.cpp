@@ -24,8 +24,12 @@ constexpr int patienceMilliseconds = 100;
 // Read by the signal handlers, hence plain static storage.
 termios userAttributes{};
 volatile std::sig_atomic_t attributesKnown = 0;
-std::array<char, longestSequence> cursorSequence{};
-volatile std::sig_atomic_t cursorLength = 0;
+struct sequence_t {
+    std::array<char, longestSequence> bytes{};
+    volatile std::sig_atomic_t length = 0;
+};
+sequence_t cursorShown{};
+sequence_t cursorHidden{};
 
 // The functions down to restoreAndStop are safe in a signal handler.
 
@@ -35,21 +39,25 @@ void restoreAttributes() {
     }
 }
 
+void writeSequence(const sequence_t& sequence) {
+    pollfd output{STDOUT_FILENO, POLLOUT, 0};
+    if (sequence.length == 0 || poll(&output, 1, patienceMilliseconds) != 1) {
+        return;  // nobody reads what the terminal shows
+    }
+    const auto length = static_cast<std::size_t>(sequence.length);
+    if (write(STDOUT_FILENO, sequence.bytes.data(), length) < 0) {
+        return;  // the terminal is gone: nobody to show a cursor to
+    }
+}
+
 void showCursor() {
-    if (cursorLength == 0) {
+    if (cursorShown.length == 0) {
         return;
     }
     // Output that the user has stopped with Ctrl-S goes on, or this would wait for it.
     tcflow(STDOUT_FILENO, TCOOFF);
     tcflow(STDOUT_FILENO, TCOON);
-    pollfd output{STDOUT_FILENO, POLLOUT, 0};
-    if (poll(&output, 1, patienceMilliseconds) != 1) {
-        return;  // nobody reads what the terminal shows
-    }
-    const auto length = static_cast<std::size_t>(cursorLength);
-    if (write(STDOUT_FILENO, cursorSequence.data(), length) < 0) {
-        return;  // the terminal is gone: nobody to show a cursor to
-    }
+    writeSequence(cursorShown);
 }
 
 /// Keeps SIGTTOU blocked, or a process in the background would be stopped here instead of ending.
@@ -109,7 +117,23 @@ void restoreAndStop(int signal) {
     if (known) {
         tcsetattr(STDIN_FILENO, TCSANOW, &attributes);
     }
+    // Not every screen is drawn anew behind a stop: what a child shows, for one, is not.
+    writeSequence(cursorHidden);
     errno = number;
+}
+
+void remember(sequence_t& sequence, const std::string& text) {
+    std::size_t length = 0;
+    bool padding = false;
+    for (std::size_t i = 0; i < text.size() && length < sequence.bytes.size(); ++i) {
+        // A "$<5>" in a sequence is a pause for slow terminals, not to be written.
+        padding = padding || text.compare(i, 2, "$<") == 0;
+        if (!padding) {
+            sequence.bytes[length++] = text[i];
+        }
+        padding = padding && text[i] != '>';
+    }
+    sequence.length = static_cast<std::sig_atomic_t>(length);
 }
 
 }  // namespace
@@ -124,25 +148,17 @@ terminal_guard::terminal_guard() {
 terminal_guard::~terminal_guard() {
     // Whoever hid the cursor is gone by now and has shown it again, if that can be written.
     if (std::fflush(stdout) == 0) {
-        cursorLength = 0;
+        cursorShown.length = 0;
     }
     restoreTerminal();
-    cursorLength = 0;
+    cursorShown.length = 0;
+    cursorHidden.length = 0;
     attributesKnown = 0;
     setFatalSignalAction(SIG_DFL);
     setStopSignalAction(SIG_DFL);
 }
 
-void terminal_guard::rememberCursor(const std::string& showCursor) {
-    std::size_t length = 0;
-    bool padding = false;
-    for (std::size_t i = 0; i < showCursor.size() && length < cursorSequence.size(); ++i) {
-        // A "$<5>" in a sequence is a pause for slow terminals, not to be written.
-        padding = padding || showCursor.compare(i, 2, "$<") == 0;
-        if (!padding) {
-            cursorSequence[length++] = showCursor[i];
-        }
-        padding = padding && showCursor[i] != '>';
-    }
-    cursorLength = static_cast<std::sig_atomic_t>(length);
+void terminal_guard::rememberCursor(const std::string& show, const std::string& hide) {
+    remember(cursorShown, show);
+    remember(cursorHidden, hide);
 }

@@ -19,6 +19,7 @@ public:
     terminal_guard& operator=(const terminal_guard&) = delete;
 
     /// To be called before the cursor is hidden.
-    /// @param showCursor the sequence that shows it again, at most 63 bytes without its padding
-    static void rememberCursor(const std::string& showCursor);
+    /// @param show the sequence that shows it again, at most 63 bytes without its padding
+    /// @param hide the one that hides it, likewise; written when a stopped process goes on
+    static void rememberCursor(const std::string& show, const std::string& hide);
 };

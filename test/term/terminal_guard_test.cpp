@@ -19,7 +19,7 @@ std::function<std::string()> guarded(const std::function<void()>& action) {
     return [action] {
         const terminal_guard guard;
         setRawMode();
-        terminal_guard::rememberCursor("\x1b[?25h$<5/>!");
+        terminal_guard::rememberCursor("\x1b[?25h$<5/>!", "\x1b[?25l$<5/>");
         std::fputs("\x1b[?25l", stdout);
         std::fflush(stdout);
         action();
