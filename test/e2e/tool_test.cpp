@@ -24,7 +24,12 @@ void tool_test::startMenu(int rows, int columns) {
 }
 
 void tool_test::startMenuFromShell() {
-    const std::string commandLine = program.path + "\n";
+    startFromShell();
+    awaitMenu();
+}
+
+void tool_test::startFromShell(const std::string& arguments) {
+    const std::string commandLine = program.path + " " + arguments + "\n";
     program.path = "/bin/bash";
     program.arguments = {"bash", "--norc", "--noprofile", "--noediting", "-i"};
     program.environment["PS1"] = "shell: ";
@@ -32,7 +37,6 @@ void tool_test::startMenuFromShell() {
     session->awaitScreen("shell:");
     session->type(commandLine);
     session->followChild();
-    awaitMenu();
 }
 
 void tool_test::choose(int number) {

@@ -20,7 +20,10 @@ protected:
     /// Starts it and returns when the main menu is shown.
     void startMenu(int rows = 24, int columns = 80);
 
-    /// Starts it from a shell with job control, and returns when the main menu is shown.
+    /// Starts it from a shell with job control.
+    void startFromShell(const std::string& arguments = "");
+
+    /// The same, and returns when the main menu is shown.
     void startMenuFromShell();
 
     /// Confirms the line with this shown number.

@@ -1,0 +1,150 @@
+#include <csignal>
+#include <functional>
+#include <ostream>
+
+#include "e2e/tool_test.hpp"
+
+namespace {
+
+constexpr const char* clearSequence = "\x1b[H\x1b[2J";
+
+struct window_t {
+    const char* name;
+    int columns;
+    int rows;
+};
+
+void PrintTo(const window_t& window, std::ostream* out) { *out << window.name; }
+
+/// Everything that a user sees: texts, their attributes, and whether there is a cursor.
+std::string picture(const terminal_screen& screen, const window_t& window) {
+    std::string all = screen.text() + (screen.isCursorVisible() ? "cursor\n" : "no cursor\n");
+    for (int row = 0; row < window.rows; ++row) {
+        for (int column = 0; column < window.columns; ++column) {
+            const screen_cell_t cell = screen.cell(row, column);
+            all += cell.reverse ? 'r' : cell.bold ? 'b' : '.';
+            all += std::to_string(cell.foreground) + "," + std::to_string(cell.background) + " ";
+        }
+        all += "\n";
+    }
+    return all;
+}
+
+/// The way through the menus in a window where not everything may be in sight: the program's
+/// output tells where it is.
+class windows_test : public tool_test {
+protected:
+    void press(const std::string& keys, const std::string& answer) {
+        session->awaitKeyWait();
+        before = session->output().size();
+        session->press(keys);
+        session->await([&] { return lastOutput().find(answer) != std::string::npos; }, answer);
+        session->awaitKeyWait();
+    }
+
+    /// @return what was written since the last key
+    std::string lastOutput() const { return session->output().substr(before); }
+
+    /// @param look called behind every key that leaves a menu or a warning on the screen
+    void walk(const std::function<void(const std::string& where)>& look) {
+        const auto step = [&](const std::string& keys, const std::string& answer) {
+            press(keys, answer);
+            look(answer);
+        };
+        step("\x1b[B", "> 1");
+        step("3", "> 3");
+        step("x", "Press ENTER to continue...");
+        step("\r", "> 3");
+        step("6", "> 6");
+        step("\r", "#LEGAL");
+        step("\x1b[B", "> 1");
+        step("0", "Press ENTER to continue...");
+        step("\r", "> 1");
+        step("6", "> 6");
+        step("\r", "Reboot Varn");
+        step("8", "> 8");
+    }
+
+    std::size_t before = 0;
+};
+
+class emulated_window_test : public windows_test, public testing::WithParamInterface<window_t> {
+protected:
+    /// Lets the program clear the screen and draw everything anew.
+    std::string freshPicture() {
+        before = session->output().size();
+        session->signal(SIGWINCH);
+        session->await([&] { return lastOutput().find("Varn Firmware Tools") < std::string::npos; },
+                       "a drawing");
+        session->awaitKeyWait();
+        const std::string drawing = lastOutput();
+        EXPECT_TRUE(drawing.starts_with(clearSequence)) << drawing;
+        terminal_screen fresh(GetParam().rows, GetParam().columns);
+        fresh.write(drawing);
+        return picture(fresh, GetParam());
+    }
+};
+
+/// Sizes that the emulator does not take: the window it shows stays as it was.
+class unemulated_window_test : public windows_test {
+protected:
+    void startIn(int columns, int rows) {
+        startMenu();
+        before = session->output().size();
+        session->terminal().resize(rows, columns);
+        session->await([&] { return lastOutput().find(clearSequence) != std::string::npos; },
+                       "a drawing in the new window");
+    }
+};
+
+}  // namespace
+
+TEST_P(emulated_window_test, ShowsWhatAFreshDrawingWould) {
+    start(GetParam().rows, GetParam().columns);
+    walk([&](const std::string& where) {
+        const std::string seen = picture(session->screen(), GetParam());
+        EXPECT_EQ(freshPicture(), seen) << where;
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Size, emulated_window_test,
+                         testing::Values(window_t{"Small20x5", 20, 5},
+                                         window_t{"Usual80x24", 80, 24},
+                                         window_t{"Large300x100", 300, 100}),
+                         [](const auto& window) { return window.param.name; });
+
+TEST_F(unemulated_window_test, OfOneCharacterIsClearedForEveryDrawing) {
+    startIn(1, 1);
+    walk([&](const std::string& where) {
+        const bool isWarning = where.starts_with("Press");
+        EXPECT_EQ(!isWarning, lastOutput().starts_with(clearSequence)) << where;
+    });
+}
+
+// A serial line does not tell its size: what is on the screen is trusted to be whole.
+TEST_F(unemulated_window_test, OfUnknownSizeIsDrawnOverInPlace) {
+    startIn(0, 0);
+    const std::string mainMenu =
+        "\x1b"
+        "7\r\x1b[14A";
+    const std::string legalMenu =
+        "\x1b"
+        "7\r\x1b[12A";
+    press("\x1b[B", "> 1");
+    EXPECT_TRUE(lastOutput().starts_with(mainMenu)) << lastOutput();
+    press("6", "> 6");
+    EXPECT_TRUE(lastOutput().starts_with(mainMenu)) << lastOutput();
+    press("\r", "#LEGAL");
+    press("3", "> 3");
+    EXPECT_TRUE(lastOutput().starts_with(legalMenu)) << lastOutput();
+    press("x", "Press ENTER to continue...");
+    press("\r", "> 3");
+    press("\x1bOA", "> 2");
+    EXPECT_TRUE(lastOutput().starts_with(legalMenu)) << lastOutput();
+    EXPECT_EQ("> 2", session->screen().row(9));
+    EXPECT_EQ("", session->screen().row(12));
+    press("6", "> 6");
+    press("\r", "Reboot Varn");
+    press("4", "> 4");
+    EXPECT_TRUE(lastOutput().starts_with(mainMenu)) << lastOutput();
+}
