@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
@@ -18,6 +19,7 @@ namespace {
 
 constexpr auto patience = std::chrono::seconds(60);
 constexpr int lookAgainMilliseconds = 2;
+constexpr int millisecondsPerSlowByte = 1;
 constexpr int mostPumpsAtOnce = 256;  // a look at the condition costs more than a pump
 
 /// Nothing of what started the tests is to be seen by the program under test.
@@ -161,9 +163,12 @@ bool terminal_session::pump(int milliseconds) {
         return false;
     }
     std::array<char, 65536> bytes{};
-    const ssize_t count = read(pty.master(), bytes.data(), bytes.size());
+    const ssize_t count = read(pty.master(), bytes.data(), isSlow ? 1 : bytes.size());
     if (count <= 0) {
         return false;
+    }
+    if (isSlow) {
+        poll(nullptr, 0, millisecondsPerSlowByte);
     }
     const std::string_view text(bytes.data(), static_cast<std::size_t>(count));
     allOutput += text;
@@ -200,6 +205,11 @@ bool terminal_session::isWaitingForKey() const {
     return (isEpollWait && call.arguments[3] == noTimeLimit) || isCookedRead || isRest;
 }
 
+bool terminal_session::isHeldUpByOutput() const {
+    const system_call_t call = currentSystemCall(followed);
+    return call.number == SYS_write && call.arguments[0] == STDOUT_FILENO;
+}
+
 bool terminal_session::isWaitingForMore() const {
     const system_call_t call = currentSystemCall(followed);
     const bool isEpollWait = call.number == SYS_epoll_wait || call.number == SYS_epoll_pwait;
@@ -233,6 +243,18 @@ void terminal_session::type(std::string_view bytes) {
         }
         bytes.remove_prefix(static_cast<std::size_t>(count));
     }
+}
+
+void terminal_session::paste(std::string_view bytes) {
+    const int flags = fcntl(pty.master(), F_GETFL);
+    fcntl(pty.master(), F_SETFL, flags | O_NONBLOCK);
+    const auto pasteMore = [&] {
+        const ssize_t count = write(pty.master(), bytes.data(), bytes.size());
+        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+        return bytes.empty();
+    };
+    await(pasteMore, "the terminal to take all that is pasted");
+    fcntl(pty.master(), F_SETFL, flags);
 }
 
 void terminal_session::press(std::string_view keys) {

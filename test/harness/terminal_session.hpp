@@ -42,6 +42,14 @@ public:
     /// Types bytes at once, read or not.
     void type(std::string_view bytes);
 
+    /// Types bytes as fast as the terminal takes them, and reads its output meanwhile: otherwise
+    /// the process and its user might wait for each other.
+    void paste(std::string_view bytes);
+
+    /// From now on the terminal takes one byte of output per millisecond, as a serial line at 9600
+    /// baud does, or as much as there is.
+    void takeOutputSlowly(bool slowly) { isSlow = slowly; }
+
     /// Returns when the process has dealt with the last keys, waits for the next, and all its
     /// output is on the screen.
     void awaitKeyWait();
@@ -69,6 +77,9 @@ public:
     /// @return true while the process waits for the rest of a key, for a limited time
     bool isWaitingForMore() const;
 
+    /// @return true when the process has to wait for the terminal to take more of its output
+    bool isHeldUpByOutput() const;
+
     bool hasEnded() const;
     void signal(int number) const;
     void resize(int rows, int columns);
@@ -95,4 +106,5 @@ private:
     int resultPipe = -1;
     int waitStatus = -1;
     bool ended = false;
+    bool isSlow = false;
 };
