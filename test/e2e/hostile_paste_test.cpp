@@ -1,0 +1,126 @@
+#include <poll.h>
+#include <sys/ioctl.h>
+
+#include <algorithm>
+#include <ostream>
+#include <random>
+#include <string_view>
+
+#include "e2e/tool_test.hpp"
+
+namespace {
+
+constexpr std::size_t pastedBytes = 64 * 1024;
+constexpr int mostKeysToMainMenu = 20;
+
+constexpr char endOfText = '\x03';
+constexpr char halt = '\x13';
+constexpr char goOn = '\x11';
+
+/// Arbitrary, and the same in every run. Left out is what would end the program rightly: Ctrl-C,
+/// and the number of "Exit", which an ENTER may follow. A Ctrl-S is followed by a Ctrl-Q: with its
+/// output stopped the program reads no more, and behind a full queue nothing gets through.
+std::string randomBytes(unsigned seed) {
+    std::mt19937 generator(seed);
+    std::string bytes;
+    while (bytes.size() < pastedBytes) {
+        const char byte = static_cast<char>(generator() & 0xff);
+        if (byte != endOfText && byte != '8') {
+            bytes += byte;
+        }
+        if (byte == halt) {
+            bytes += goOn;
+        }
+    }
+    return bytes;
+}
+
+struct paste_t {
+    const char* name;
+    unsigned seed;
+    std::size_t pieceSize;  ///< every piece meets a program that waits for a key
+};
+
+void PrintTo(const paste_t& paste, std::ostream* out) { *out << paste.name; }
+
+/// Something that is no text falls into the terminal.
+class hostile_paste_test : public tool_test, public testing::WithParamInterface<paste_t> {
+protected:
+    /// A piece does not end between a Ctrl-S and its Ctrl-Q.
+    void pasteInPieces(std::string_view bytes) {
+        while (!bytes.empty()) {
+            std::size_t size = std::min(GetParam().pieceSize, bytes.size());
+            size += bytes[size - 1] == halt ? 1 : 0;
+            session->paste(bytes.substr(0, size));
+            bytes.remove_prefix(size);
+            session->await([this] { return hasReadAll(); }, "the piece to be read");
+        }
+    }
+
+    /// All bytes have reached the program, and it waits for more. Neither its input queue nor its
+    /// sleep tells of what the kernel still has to put into that queue; the driver's own bytes,
+    /// typed behind the rest, do. Where the queue was full, they may overtake it once.
+    void awaitAllTaken() {
+        for (int round = 0; round < 3; ++round) {
+            session->type(std::string(1, halt));
+            session->await([this] { return !canWrite(); }, "the output to stop");
+            session->type(std::string(1, goOn));
+            session->await([this] { return canWrite(); }, "the output to go on");
+            session->await([this] { return hasReadAll(); }, "all bytes to be read");
+        }
+    }
+
+    bool hasReadAll() const {
+        int queued = 0;
+        ioctl(session->terminal().slave(), FIONREAD, &queued);
+        return queued == 0 && session->isWaitingForKey();
+    }
+
+    bool canWrite() const {
+        pollfd output{session->terminal().slave(), POLLOUT, 0};
+        return poll(&output, 1, 0) == 1;
+    }
+
+    bool isMenuShown() const {
+        const auto rows = session->screen().rows();
+        return !rows.empty() && rows.back() == "(c) 2026 Varn Firmware Tools";
+    }
+
+    /// Leaves whatever the bytes have led to, as a user would.
+    void returnToMainMenu() {
+        for (int key = 0; key < mostKeysToMainMenu; ++key) {
+            session->awaitKeyWait();
+            if (!isMenuShown()) {
+                session->press("\r");
+            } else if (session->screen().contains("#LEGAL")) {
+                choose(6);
+            } else {
+                return;
+            }
+        }
+        FAIL() << "no way to the main menu from\n" << session->screen().text();
+    }
+};
+
+}  // namespace
+
+TEST_P(hostile_paste_test, OfRandomBytesLeavesAProgramThatAnswers) {
+    startMenu();
+    pasteInPieces(randomBytes(GetParam().seed));
+    awaitAllTaken();
+    returnToMainMenu();
+    session->press("3");
+    awaitMenu("3");
+    session->press("\x1b[B");
+    awaitMenu("4");
+    EXPECT_EQ("       This tool will update Varn FW --> Rel. 2.41", session->screen().row(0));
+    EXPECT_FALSE(session->terminal().isCooked());
+    EXPECT_FALSE(session->screen().isCursorVisible());
+}
+
+INSTANTIATE_TEST_SUITE_P(Of64Kibibytes, hostile_paste_test,
+                         testing::Values(paste_t{"AtOnce", 1, 2 * pastedBytes},
+                                         paste_t{"AtOnceToo", 2, 2 * pastedBytes},
+                                         paste_t{"InPieces", 3, 256},
+                                         paste_t{"InSmallPieces", 4, 100}),
+                         [](const auto& paste) { return paste.param.name; });
