@@ -21,8 +21,11 @@ protected:
 
     /// Types the byte and expects the warning that a user has to confirm.
     void expectWarning(const std::string& keys) {
+        const bool isDigit = keys == "0" || keys == "9";
         session->press(keys);
-        session->awaitScreen("[WARN] Wrong");
+        session->awaitScreen(isDigit
+                                 ? "[WARN] Wrong selection, please provide valid number : " + keys
+                                 : "[WARN] Wrong input, please confirm selection by 'ENTER'");
         session->awaitScreen("Press ENTER to continue...");
         session->press("\r");
         expectMenu(keys);

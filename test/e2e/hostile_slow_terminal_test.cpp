@@ -2,6 +2,8 @@
 
 namespace {
 
+constexpr int mostKeys = 200;  // some 100 KiB of drawings, more than any terminal has room for
+
 /// A terminal behind a serial line: it takes a whole second for one drawing.
 class hostile_slow_terminal_test : public tool_test {
 protected:
@@ -43,6 +45,7 @@ TEST_F(hostile_slow_terminal_test, ShowsEveryDrawingWhole) {
 // shows the last one as whole as the first.
 TEST_F(hostile_slow_terminal_test, HoldsTheProgramUpUntilItHasTakenEnough) {
     for (int key = 0; !session->isHeldUpByOutput(); ++key) {
+        ASSERT_LT(key, mostKeys) << "nothing holds the program up";
         session->type(key % 2 == 0 ? "\x1b[B" : "\x1b[A");
         const auto isTaken = [&] {
             return session->isWaitingForKey() || session->isHeldUpByOutput();

@@ -109,16 +109,22 @@ TEST_P(emulated_window_test, ShowsWhatAFreshDrawingWould) {
 
 INSTANTIATE_TEST_SUITE_P(Size, emulated_window_test,
                          testing::Values(window_t{"Small20x5", 20, 5},
+                                         window_t{"Narrow20x60", 20, 60},
+                                         window_t{"Flat100x5", 100, 5},
                                          window_t{"Usual80x24", 80, 24},
                                          window_t{"Large300x100", 300, 100}),
                          [](const auto& window) { return window.param.name; });
 
-TEST_F(unemulated_window_test, OfOneCharacterIsClearedForEveryDrawing) {
-    startIn(1, 1);
-    walk([&](const std::string& where) {
-        const bool isWarning = where.starts_with("Press");
-        EXPECT_EQ(!isWarning, lastOutput().starts_with(clearSequence)) << where;
-    });
+TEST_F(unemulated_window_test, TooSmallEitherWayIsClearedForEveryDrawing) {
+    for (const window_t& window : {window_t{"one cell", 1, 1}, window_t{"one row", 100, 1},
+                                   window_t{"one column", 1, 100}}) {
+        startIn(window.columns, window.rows);
+        walk([&](const std::string& where) {
+            const bool isWarning = where.starts_with("Press");
+            EXPECT_EQ(!isWarning, lastOutput().starts_with(clearSequence))
+                << where << " in " << window.name;
+        });
+    }
 }
 
 // A serial line does not tell its size: what is on the screen is trusted to be whole.
