@@ -1,5 +1,6 @@
 #include <csignal>
 #include <cstring>
+#include <fstream>
 
 #include "e2e/tool_test.hpp"
 
@@ -23,6 +24,13 @@ protected:
 };
 
 class resize_test : public tool_test {};
+
+bool isStopped(pid_t process) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/stat");
+    std::string text;
+    std::getline(status, text);
+    return text.find(") T ") != std::string::npos;
+}
 
 }  // namespace
 
@@ -70,6 +78,9 @@ TEST_P(stop_test, DuringAFlashEndsInTheToolsOwnMode) {
     package.let("varnflash", "kill 19\nprint core program ended");
     choose(1);
     session->await([&] { return package.runs().size() == 2; }, "the core program");
+    // One that stops behind the shell's continuation would stay so.
+    const pid_t coreProgram = package.runs().back().process;
+    session->await([&] { return isStopped(coreProgram); }, "the core program's stop");
     session->signal(GetParam());
     session->awaitScreen("Stopped");
     session->type("fg\n");  // continues the whole group
