@@ -1,7 +1,10 @@
 #include "app/gui.hpp"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
+
+#include <cstdio>
 
 #include "harness/terminal_session.hpp"
 #include "harness/test_surroundings.hpp"
@@ -165,6 +168,21 @@ TEST_F(gui_test, SaysThatThereWasNoInput) {
     EXPECT_EQ("Cannot extract user input", with([](open_gui& application) {
                   const typed_input nothing("");
                   return thrown<std::runtime_error>([&] { application.showMenuOnce(); });
+              }));
+}
+
+// A highlight that nobody has seen is not to be confirmed.
+TEST_F(gui_test, TakesNoInputWhenTheMenuCannotBeShown) {
+    EXPECT_EQ("Cannot print terminal line, 1 input left", with([](open_gui& application) {
+                  application.queueInput("\n");
+                  const int terminal = dup(STDOUT_FILENO);
+                  const int full = open("/dev/full", O_WRONLY);
+                  dup2(full, STDOUT_FILENO);
+                  const std::string text =
+                      thrown<std::runtime_error>([&] { application.showMenuOnce(); });
+                  dup2(terminal, STDOUT_FILENO);
+                  return text + ", " + std::to_string(application.scriptedInputs.size()) +
+                         " input left";
               }));
 }
 

@@ -1,7 +1,9 @@
 #include "app/process_setup.hpp"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <csignal>
 
@@ -55,4 +57,15 @@ TEST(ProcessSetup, KeepsOutputTogetherUntilItIsFlushed) {
     session.type("\n");
     session.awaitEnd();
     EXPECT_TRUE(session.screen().contains("second"));
+}
+
+// Whoever used the terminal last may have left it so.
+TEST(ProcessSetup, WaitsForATerminalThatIsSlowToTakeOutput) {
+    terminal_session session([] {
+        const int flags = fcntl(STDOUT_FILENO, F_GETFL);
+        fcntl(STDOUT_FILENO, F_SETFL, flags | O_NONBLOCK);
+        setUpProcess();
+        return std::string(fcntl(STDOUT_FILENO, F_GETFL) == flags ? "waits" : "does not wait");
+    });
+    EXPECT_EQ("waits", session.result());
 }

@@ -20,6 +20,7 @@ namespace {
 constexpr auto patience = std::chrono::seconds(60);
 constexpr int lookAgainMilliseconds = 2;
 constexpr int millisecondsPerSlowByte = 1;
+constexpr int mostLooksAtDying = 500;
 constexpr int mostPumpsAtOnce = 256;  // a look at the condition costs more than a pump
 
 /// Nothing of what started the tests is to be seen by the program under test.
@@ -125,6 +126,13 @@ terminal_session::terminal_session(const std::function<std::string()>& body, int
 }
 
 terminal_session::~terminal_session() {
+    // As a user who closes the window: a program that dies of that, and not at once, leaves its
+    // line counters behind.
+    hangUp();
+    for (int looks = 0; !ended && looks < mostLooksAtDying; ++looks) {
+        ended = waitpid(child, &waitStatus, WNOHANG) == child;
+        poll(nullptr, 0, ended ? 0 : lookAgainMilliseconds);
+    }
     if (!ended) {
         kill(child, SIGKILL);
         waitpid(child, &waitStatus, 0);

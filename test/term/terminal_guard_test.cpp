@@ -1,5 +1,6 @@
 #include "term/terminal_guard.hpp"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -79,6 +80,24 @@ TEST(TerminalGuard, WritesTheCursorSequenceWithoutItsPadding) {
     terminal_session session(guarded([] { std::exit(0); }));
     session.awaitEnd();
     EXPECT_EQ("\x1b[?25l\x1b[?25h!", session.output());
+}
+
+// The cursor's sequence would be waited for for ever.
+TEST(TerminalGuard, EndsThoughNobodyReadsWhatTheTerminalShows) {
+    terminal_session session([] {
+        const terminal_guard guard;
+        terminal_guard::rememberCursor("\x1b[?25h");
+        const pseudo_terminal unread(24, 80);
+        dup2(unread.slave(), STDOUT_FILENO);
+        const int flags = fcntl(STDOUT_FILENO, F_GETFL);
+        fcntl(STDOUT_FILENO, F_SETFL, flags | O_NONBLOCK);
+        while (write(STDOUT_FILENO, "x", 1) == 1) {
+        }
+        fcntl(STDOUT_FILENO, F_SETFL, flags);
+        std::exit(3);
+        return std::string();
+    });
+    EXPECT_EQ(3, WEXITSTATUS(session.awaitEnd()));
 }
 
 TEST(TerminalGuard, LeavesSignalsTheirDefaultActionBehind) {
