@@ -86,7 +86,7 @@ TEST(TerminalGuard, WritesTheCursorSequenceWithoutItsPadding) {
 TEST(TerminalGuard, EndsThoughNobodyReadsWhatTheTerminalShows) {
     terminal_session session([] {
         const terminal_guard guard;
-        terminal_guard::rememberCursor("\x1b[?25h");
+        terminal_guard::rememberCursor("\x1b[?25h", "");
         const pseudo_terminal unread(24, 80);
         dup2(unread.slave(), STDOUT_FILENO);
         const int flags = fcntl(STDOUT_FILENO, F_GETFL);
