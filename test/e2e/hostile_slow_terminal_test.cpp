@@ -1,3 +1,5 @@
+#include <poll.h>
+
 #include "e2e/tool_test.hpp"
 
 namespace {
@@ -24,6 +26,17 @@ protected:
         EXPECT_EQ("[8] Exit", session->screen().row(10));
     }
 
+    /// Some looks in a row tell a wait for the terminal from a write that is just going on.
+    bool isHeldUp() const {
+        for (int look = 0; look < 10; ++look) {
+            if (!session->isHeldUpByOutput()) {
+                return false;
+            }
+            poll(nullptr, 0, 1);
+        }
+        return true;
+    }
+
     std::string firstRow;
     std::size_t rowCount = 0;
 };
@@ -44,17 +57,17 @@ TEST_F(hostile_slow_terminal_test, ShowsEveryDrawingWhole) {
 // A key that is held down makes more drawings than the line can take: the program has to wait, and
 // shows the last one as whole as the first.
 TEST_F(hostile_slow_terminal_test, HoldsTheProgramUpUntilItHasTakenEnough) {
-    for (int key = 0; !session->isHeldUpByOutput(); ++key) {
+    for (int key = 0; !isHeldUp(); ++key) {
         ASSERT_LT(key, mostKeys) << "nothing holds the program up";
+        const long before = writeCalls(session->process());
         session->type(key % 2 == 0 ? "\x1b[B" : "\x1b[A");
-        const auto isTaken = [&] {
-            return session->isWaitingForKey() || session->isHeldUpByOutput();
-        };
-        session->await(isTaken, "the key to be taken");
+        // A key that comes in too early is thrown away, and the next one is due.
+        for (int look = 0; look < 50 && writeCalls(session->process()) == before; ++look) {
+            poll(nullptr, 0, 1);
+        }
     }
     const std::size_t taken = session->output().size();
     session->await([&] { return session->output().size() > taken + 100; }, "some more output");
-    EXPECT_TRUE(session->isHeldUpByOutput());
     session->takeOutputSlowly(false);
     session->awaitKeyWait();
     session->press("7");
