@@ -170,7 +170,7 @@ bool terminal_session::pump(int milliseconds) {
     if (pty.master() < 0 || poll(&waiting, 1, milliseconds) <= 0) {
         return false;
     }
-    std::array<char, 65536> bytes{};
+    std::array<char, 4096> bytes;  // a terminal hands no more over at once
     const ssize_t count = read(pty.master(), bytes.data(), isSlow ? 1 : bytes.size());
     if (count <= 0) {
         return false;
@@ -191,10 +191,12 @@ void terminal_session::await(const std::function<bool()>& condition, const std::
             throw std::runtime_error("waited in vain for " + what + ", the screen is:\n" +
                                      display.text());
         }
-        if (!pump(lookAgainMilliseconds) && pty.master() < 0) {
+        bool isFlowing = pump(lookAgainMilliseconds);
+        if (!isFlowing && pty.master() < 0) {
             poll(nullptr, 0, lookAgainMilliseconds);
         }
-        for (int more = 0; more < mostPumpsAtOnce && pump(0); ++more) {
+        for (int more = 0; more < mostPumpsAtOnce && isFlowing; ++more) {
+            isFlowing = pump(1);
         }
     }
 }
