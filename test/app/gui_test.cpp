@@ -134,6 +134,14 @@ TEST_F(gui_test, KnowsExitInBothMenusFromBothCallbacks) {
               }));
 }
 
+TEST_F(gui_test, TakesALineThatTheMenuDoesNotHoldForNoExit) {
+    EXPECT_EQ("Flashtools operation not supported", with([](open_gui& application) {
+                  application.menus.at(0).lines.erase(10);
+                  application.menus.at(0).selected = 10;
+                  return thrown<std::runtime_error>([&] { application.onMainMenuSelect(10); });
+              }));
+}
+
 TEST_F(gui_test, HandsLineZeroToTheFlashOperations) {
     EXPECT_EQ("Flashtools operation not supported", with([](open_gui& application) {
                   return thrown<std::runtime_error>([&] { application.onMainMenuSelect(0); });
@@ -221,6 +229,13 @@ TEST_F(gui_test, ScriptsTheKeysToATarget) {
 TEST_F(gui_test, ScriptsTheKeysToTheLineBehindATargetThatCannotBeSelected) {
     EXPECT_EQ("DDDDDE ", with([](open_gui& application) {
                   return script(application, application.menus.at(0), {5});
+              }));
+}
+
+// There is no way further up or down: what is highlighted then is confirmed.
+TEST_F(gui_test, ScriptsTheKeysNoFurtherThanTheMenuGoes) {
+    EXPECT_EQ("DDDDDDDDE UUUUUUUE ", with([](open_gui& application) {
+                  return script(application, application.menus.at(0), {13, 0});
               }));
 }
 

@@ -69,3 +69,12 @@ TEST(ProcessSetup, WaitsForATerminalThatIsSlowToTakeOutput) {
     });
     EXPECT_EQ("waits", session.result());
 }
+
+TEST(ProcessSetup, DoesWithoutStandardOutput) {
+    terminal_session session([] {
+        close(STDOUT_FILENO);
+        setUpProcess();
+        return std::string("set up");
+    });
+    EXPECT_EQ("set up", session.result());
+}

@@ -10,13 +10,15 @@
 #include <array>
 #include <chrono>
 #include <csignal>
-#include <cstdint>
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
 
+#include "harness/process_state.hpp"
+
 namespace {
 
+constexpr std::uint32_t noTimeLimit = 0xffffffff;
 constexpr auto patience = std::chrono::seconds(60);
 constexpr int lookAgainMilliseconds = 2;
 constexpr int millisecondsPerSlowByte = 1;
@@ -54,48 +56,6 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
         execve(program.path.c_str(), pointers(arguments).data(), pointers(environment).data());
     }
     _exit(127);
-}
-
-constexpr std::uint32_t noTimeLimit = 0xffffffff;
-
-/// The system call that a process is blocked in; number -1 while it runs. See proc(5).
-struct system_call_t {
-    long number = -1;
-    std::array<std::uint32_t, 4> arguments{};
-};
-
-system_call_t currentSystemCall(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/syscall");
-    system_call_t call;
-    long number = 0;
-    if (file >> number) {  // not so for "running"
-        call.number = number;
-        for (std::uint32_t& argument : call.arguments) {
-            std::uint64_t value = 0;
-            file >> std::hex >> value;
-            argument = static_cast<std::uint32_t>(value);
-        }
-    }
-    return call;
-}
-
-/// How often a process has gone to sleep: a key that it has taken lets it do so once more. A look
-/// at its input queue would not do, as the terminal passes keys on with a delay.
-std::string timesBlocked(pid_t process) {
-    std::ifstream status("/proc/" + std::to_string(process) + "/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.starts_with("voluntary_ctxt_switches:")) {
-            return line;
-        }
-    }
-    return "";
-}
-
-bool isAlive(pid_t process) {
-    std::ifstream status("/proc/" + std::to_string(process) + "/stat");
-    std::string text;
-    std::getline(status, text);
-    return text.find(") Z ") == std::string::npos && !text.empty();
 }
 
 }  // namespace

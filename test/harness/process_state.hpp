@@ -1,0 +1,24 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+// What proc(5) tells of a process.
+
+/// The system call that a process is blocked in; number -1 while it runs.
+struct system_call_t {
+    long number = -1;
+    std::array<std::uint32_t, 4> arguments{};  ///< their lower halves
+};
+
+system_call_t currentSystemCall(pid_t process);
+
+/// How often a process has gone to sleep: a key that it has taken lets it do so once more. A look
+/// at its input queue would not do, as the terminal passes keys on with a delay.
+std::string timesBlocked(pid_t process);
+
+/// @return false for a process that has ended, waited for or not
+bool isAlive(pid_t process);
