@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "e2e/tool_test.hpp"
+#include "harness/process_state.hpp"
 
 namespace {
 
@@ -65,13 +66,15 @@ protected:
         return awaitEnd();
     }
 
+    /// A child that was not waited for may be hung up with the session, and so never come to its
+    /// own end.
     void expectNothingLeftBehind() {
         expectTerminalRestored();
+        const auto isOver = [](const run_record_t& run) { return !isAlive(run.process); };
         session->await(
             [&] {
                 const auto runs = package.runs();
-                return std::all_of(runs.begin(), runs.end(),
-                                   [](const auto& run) { return run.ended; });
+                return std::all_of(runs.begin(), runs.end(), isOver);
             },
             "the children to end");
     }
