@@ -28,21 +28,23 @@ bool hasControlCharacter(const std::string& text) {
 /// What is done ahead of a line's text, in this order.
 void decorate(gui& terminal, const menu_line_t& line) {
     using decoration_t = std::function<void(gui&, const menu_line_t&)>;
-    static const std::array<decoration_t, 3> decorations{[](gui& on, const menu_line_t& of) {
-                                                             if (of.emphasis != 0) {
-                                                                 on.setBold();
-                                                             }
-                                                         },
-                                                         [](gui& on, const menu_line_t& of) {
-                                                             if (of.foreground != -1) {
-                                                                 on.setForeground(of.foreground);
-                                                             }
-                                                         },
-                                                         [](gui& on, const menu_line_t& of) {
-                                                             if (of.background != -1) {
-                                                                 on.setBackground(of.background);
-                                                             }
-                                                         }};
+    static const std::array<decoration_t, 3> decorations{
+        [](gui& on, const menu_line_t& of) {
+            if (of.emphasis != 0) {
+                on.setBold();
+            }
+        },
+        [](gui& on, const menu_line_t& of) {
+            if (of.foreground != -1) {
+                on.setForeground(of.foreground);
+            }
+        },
+        [](gui& on, const menu_line_t& of) {
+            if (of.background != -1) {
+                on.setBackground(of.background);
+            }
+        },
+    };
     for (const decoration_t& decoration : decorations) {
         decoration(terminal, line);
     }

@@ -21,13 +21,14 @@ constexpr std::array fatalSignals{SIGHUP,  SIGINT,  SIGQUIT, SIGILL,   SIGTRAP, 
 constexpr std::size_t longestSequence = 63;
 constexpr int patienceMilliseconds = 100;
 
-// Read by the signal handlers, hence plain static storage.
-termios userAttributes{};
-volatile std::sig_atomic_t attributesKnown = 0;
 struct sequence_t {
     std::array<char, longestSequence> bytes{};
     volatile std::sig_atomic_t length = 0;
 };
+
+// Read by the signal handlers, hence plain static storage.
+termios userAttributes{};
+volatile std::sig_atomic_t attributesKnown = 0;
 sequence_t cursorShown{};
 sequence_t cursorHidden{};
 
