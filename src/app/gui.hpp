@@ -60,6 +60,5 @@ private:
     bool isExitSelected() const;
 
     bool evalMode;
-    window_size_t drawnInto;  ///< the window at the last drawing
-    std::string warning;      ///< what is shown below the menu; empty at the menu itself
+    std::string warning;  ///< what is shown below the menu; empty at the menu itself
 };

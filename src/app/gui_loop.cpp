@@ -139,7 +139,7 @@ void gui::redrawLines(const menu_elem_t& menu) {
     const window_size_t window = windowSize();
     const bool highEnough = window.rows == 0 || count < window.rows;
     const bool wideEnough = window.columns == 0 || menuWidth(menu) < window.columns;
-    if (window == drawnInto && highEnough && wideEnough) {
+    if (highEnough && wideEnough) {
         cursorUp(count);
     } else {
         screenCommand(screen_clear);
@@ -155,7 +155,6 @@ void gui::drawLines(const menu_elem_t& menu) {
         // Not to be taken for drawn: ENTER would carry out a line that nobody sees highlighted.
         throw std::runtime_error("Cannot print terminal line");
     }
-    drawnInto = windowSize();
 }
 
 void gui::drawLine(const menu_elem_t& menu, menu_item_t item, const menu_line_t& line) {

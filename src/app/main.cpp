@@ -27,7 +27,7 @@ int main(int argc, char** argv) {
     setUpProcess();
     stream log;
     const std::string programWord = argc > 0 ? argv[0] : "";
-    const bool evalMode = argc > 0 && isEvalArgument(argc - 1, argv + 1);
+    const bool evalMode = isEvalArgument(argc - 1, argv + 1);
     try {
         const terminal_guard guard;
         gui application(evalMode);

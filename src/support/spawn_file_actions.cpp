@@ -11,11 +11,9 @@ spawn_file_actions::~spawn_file_actions() {
 }
 
 void spawn_file_actions::openNullDevice(int openFlags) {
-    if (!initialised) {
-        initialised = posix_spawn_file_actions_init(&actions) == 0;
-    }
-    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
-        if (initialised) {
+    initialised = posix_spawn_file_actions_init(&actions) == 0;
+    if (initialised) {
+        for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
             posix_spawn_file_actions_addopen(&actions, descriptor, "/dev/null", openFlags, 0);
         }
     }

@@ -12,7 +12,7 @@ public:
     spawn_file_actions& operator=(const spawn_file_actions&) = delete;
 
     /// Lets the child have the null device as standard output and standard error. Where the
-    /// actions cannot be made the child keeps its output.
+    /// actions cannot be made the child keeps its output. To be called once.
     /// @param openFlags as for open(2)
     void openNullDevice(int openFlags);
 

@@ -63,18 +63,15 @@ bool takeTerminal() {
     if (name == nullptr || *name == '\0') {
         name = "vt100";
     }
-    const int input = fileno(stdin);
-    if (input < 0 || tcgetattr(input, &savedAttributes) != 0) {
+    const int input = fileno(stdin);  // may be none: nothing can be asked of it then
+    if (tcgetattr(input, &savedAttributes) != 0) {
         return false;
     }
     const termios raw = rawAttributes(savedAttributes);
     return tcsetattr(input, TCSANOW, &raw) == 0 && setupterm(name, STDOUT_FILENO, nullptr) == OK;
 }
 
-bool giveTerminalBack() {
-    const int input = fileno(stdin);
-    return input >= 0 && tcsetattr(input, TCSANOW, &savedAttributes) == 0;
-}
+bool giveTerminalBack() { return tcsetattr(fileno(stdin), TCSANOW, &savedAttributes) == 0; }
 
 std::string stringCapability(const std::string& name) {
     const char* text = tigetstr(name.c_str());

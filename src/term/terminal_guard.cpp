@@ -42,7 +42,7 @@ void restoreAttributes() {
 
 void writeSequence(const sequence_t& sequence) {
     pollfd output{STDOUT_FILENO, POLLOUT, 0};
-    if (sequence.length == 0 || poll(&output, 1, patienceMilliseconds) != 1) {
+    if (poll(&output, 1, patienceMilliseconds) != 1) {
         return;  // nobody reads what the terminal shows
     }
     const auto length = static_cast<std::size_t>(sequence.length);

@@ -4,7 +4,9 @@
 //
 //   FAULT=CALL:FIRST:LAST:ERROR   the calls FIRST to LAST of this one fail with this errno; "short"
 //                                 and "eof" are errors of write and read alone, "out-of-range"
-//                                 and "integer" are exceptions that waitpid throws
+//                                 and "integer" are exceptions that waitpid throws, "stopped" is
+//                                 its report of a child that has not ended; a main that fails has
+//                                 no arguments, not even the program's own name
 //   FAULT_LOG=FILE                is created once a call has failed
 //
 // Child programs know nothing of it, as they get an environment of their own.
@@ -13,7 +15,9 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/epoll.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <termios.h>
 #include <time.h>
 #include <unistd.h>
@@ -33,6 +37,7 @@ constexpr int shortCount = -2;
 constexpr int endOfFile = -3;
 constexpr int throwOutOfRange = -4;
 constexpr int throwInteger = -5;
+constexpr int stopped = -6;
 
 int releaseFile = -1;
 
@@ -63,7 +68,8 @@ int errorNumber(const char* name) {
                   {"short", shortCount},
                   {"eof", endOfFile},
                   {"out-of-range", throwOutOfRange},
-                  {"integer", throwInteger}};
+                  {"integer", throwInteger},
+                  {"stopped", stopped}};
     for (const auto& error : errors) {
         if (std::strcmp(error.name, name) == 0) {
             return error.number;
@@ -108,6 +114,21 @@ int errorOf(const char* call) {
 }  // namespace
 
 extern "C" {
+
+int __real_main(int count, char** arguments);
+int __wrap_main(int count, char** arguments) {
+    return errorOf("main") != 0 ? __real_main(0, arguments + count) : __real_main(count, arguments);
+}
+
+int __real_getrlimit(int resource, rlimit* limit);
+int __wrap_getrlimit(int resource, rlimit* limit) {
+    return errorOf("getrlimit") != 0 ? -1 : __real_getrlimit(resource, limit);
+}
+
+int __real_fileno(std::FILE* file);
+int __wrap_fileno(std::FILE* file) {
+    return file == stdin && errorOf("fileno") != 0 ? -1 : __real_fileno(file);
+}
 
 int __real_tcgetattr(int descriptor, termios* attributes);
 int __wrap_tcgetattr(int descriptor, termios* attributes) {
@@ -195,6 +216,10 @@ pid_t __wrap_waitpid(pid_t child, int* status, int options) {
     }
     if (error == throwInteger) {
         throw error;
+    }
+    if (error == stopped) {
+        *status = W_STOPCODE(55);  // taken for an exit status, "no emergency flash"
+        return child;
     }
     return error != 0 ? -1 : __real_waitpid(child, status, options);
 }

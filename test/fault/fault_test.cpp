@@ -108,6 +108,9 @@ constexpr const char* notProper =
 INSTANTIATE_TEST_SUITE_P(
     Calls, fault_row_test,
     testing::Values(
+        fault_row_t{"InputDescriptor", "fileno:1:1:EBADF", CRIT "Cannot initialize terminal"},
+        fault_row_t{"InputDescriptorAtTheEnd", "fileno:2:2:EBADF", "terminate called",
+                    128 + SIGABRT},
         fault_row_t{"AttributesRead", "tcgetattr:2:2:EIO", CRIT "Cannot initialize terminal"},
         fault_row_t{"AttributesSet", "tcsetattr:1:1:EIO", CRIT "Cannot initialize terminal"},
         fault_row_t{"TerminfoOpened", "setupterm:1:1:EIO", CRIT "Cannot initialize terminal"},
@@ -120,6 +123,8 @@ INSTANTIATE_TEST_SUITE_P(
         fault_row_t{"FirstMenu", "putp:3:3:EIO", cannotPrint},
         fault_row_t{"WorkingDirectory", "getcwd:1:1:ENOENT", noEnvironment},
         fault_row_t{"WorkingDirectoryForGood", "getcwd:1:99:ENOENT", noEnvironment},
+        fault_row_t{"ProgramWord", "main:1:1:EIO", "Exitting program '' due to user normal exit"},
+        fault_row_t{"DescriptorLimit", "getrlimit:1:1:EPERM", normalEnd},
         fault_row_t{"Path", "getenv PATH:1:9:EIO", noEnvironment},
         fault_row_t{"TerminalTypeOfTheTerminal", "getenv TERM:1:1:EIO", noSequences},
         fault_row_t{"TerminalTypeOfChildren", "getenv TERM:2:9:EIO", noEnvironment}),
@@ -151,6 +156,7 @@ INSTANTIATE_TEST_SUITE_P(
         fault_row_t{"QuestionNotAwaited", "waitpid:1:1:ECHILD", cannotRun},
         fault_row_t{"QuestionInterrupted", "waitpid:1:1:EINTR", cannotRun},
         fault_row_t{"ReaderSearchNotAwaited", "waitpid:2:2:ECHILD", cannotRun},
+        fault_row_t{"QuestionOnlyStopped", "waitpid:1:1:stopped", "Emergency Flash of both Images"},
         fault_row_t{"OutOfRange", "waitpid:1:1:out-of-range", "[CRIT] Out of range error: map::at"},
         fault_row_t{"OutOfRangeInTheMenu", "waitpid:2:2:out-of-range",
                     "[CRIT] Out of range error: map::at"},
@@ -201,11 +207,12 @@ TEST_P(fault_sweep_test, EndsOrderlyWhereverItFails) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Calls, fault_sweep_test,
-                         testing::Values("tcgetattr", "tcsetattr", "setupterm", "tigetstr", "tparm",
-                                         "putp", "getcwd", "getenv TERM", "access", "fopen",
-                                         "read file", "posix_spawn_file_actions_init",
-                                         "posix_spawnp", "waitpid", "epoll_create1", "epoll_ctl",
-                                         "epoll_wait", "write", "read terminal"),
+                         testing::Values("fileno", "getrlimit", "tcgetattr", "tcsetattr",
+                                         "setupterm", "tigetstr", "tparm", "putp", "getcwd",
+                                         "getenv TERM", "access", "fopen", "read file",
+                                         "posix_spawn_file_actions_init", "posix_spawnp", "waitpid",
+                                         "epoll_create1", "epoll_ctl", "epoll_wait", "write",
+                                         "read terminal"),
                          [](const auto& call) {
                              std::string name = call.param;
                              std::replace(name.begin(), name.end(), ' ', '_');

@@ -119,6 +119,22 @@ TEST(ReadInput, WaitsForTheRestOfASequence) {
     }
 }
 
+TEST(ReadInput, TakesNoDeleteForTheEndOfASequence) {
+    bool waitedForMore = false;
+    for (int tries = 0; tries < 20 && !waitedForMore; ++tries) {
+        terminal_session session([] { return readKeys(1); });
+        session.awaitKeyWait();
+        session.type("\x1b[\x7f");
+        session.await(
+            [&] {
+                waitedForMore = session.isWaitingForMore();
+                return waitedForMore || session.hasEnded();
+            },
+            "a wait for more");
+    }
+    EXPECT_TRUE(waitedForMore);
+}
+
 // Half a key is still the key that was typed earlier.
 TEST(ReadInput, ThrowsAwayTheRestOfAnEarlierSequence) {
     std::string result;
@@ -165,6 +181,14 @@ TEST(ReadInput, YieldsNothingAtEndOfFile) {
     std::array<int, 2> ends{};
     ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()));
     close(ends[1]);  // readable for ever, and never a byte
+    EXPECT_EQ("0:", readFrom(ends[0]));
+}
+
+TEST(ReadInput, YieldsNothingAtEndOfFileBehindHalfASequence) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()));
+    ASSERT_EQ(2, write(ends[1], "\x1b[", 2));
+    close(ends[1]);
     EXPECT_EQ("0:", readFrom(ends[0]));
 }
 

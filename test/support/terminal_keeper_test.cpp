@@ -1,6 +1,7 @@
 #include "support/terminal_keeper.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -59,6 +60,45 @@ TEST(TerminalKeeper, TakesTheTerminalBackFromAnotherGroup) {
         return std::string(isOurs ? "ours" : "not ours");
     });
     EXPECT_EQ("ours", session.result());
+}
+
+// The terminal is somebody else's then, who may pass it on.
+TEST(TerminalKeeper, TakesNothingFromTheBackground) {
+    terminal_session session([] {
+        const pid_t first = giveTerminalToChild();
+        pid_t second = 0;
+        {
+            const terminal_keeper keeper;
+            second = giveTerminalToChild();
+        }
+        const bool isTheirs = tcgetpgrp(STDIN_FILENO) == second;
+        kill(first, SIGKILL);
+        kill(second, SIGKILL);
+        return std::string(isTheirs ? "theirs" : "taken");
+    });
+    EXPECT_EQ("theirs", session.result());
+}
+
+// Its user has put this program aside.
+TEST(TerminalKeeper, LeavesTheTerminalToTheShellOfTheSession) {
+    terminal_session session([] {
+        std::signal(SIGTTOU, SIG_IGN);
+        const pid_t shell = getpid();
+        const pid_t job = fork();
+        if (job == 0) {
+            setpgid(0, 0);
+            tcsetpgrp(STDIN_FILENO, getpid());
+            {
+                const terminal_keeper keeper;
+                tcsetpgrp(STDIN_FILENO, shell);
+            }
+            _exit(tcgetpgrp(STDIN_FILENO) == shell ? 0 : 1);
+        }
+        int status = -1;
+        waitpid(job, &status, 0);
+        return std::string(status == 0 ? "left" : "taken");
+    });
+    EXPECT_EQ("left", session.result());
 }
 
 TEST(TerminalKeeper, DoesNothingWithoutATerminal) {

@@ -82,6 +82,29 @@ TEST(TerminalGuard, WritesTheCursorSequenceWithoutItsPadding) {
     EXPECT_EQ("\x1b[?25l\x1b[?25h!", session.output());
 }
 
+TEST(TerminalGuard, CutsACursorSequenceThatIsLongerThanAnyOne) {
+    const std::string longest = "\x1b[" + std::string(61, '1');
+    terminal_session session([&] {
+        const terminal_guard guard;
+        terminal_guard::rememberCursor(longest + "h", "");
+        std::exit(0);
+        return std::string();
+    });
+    session.awaitEnd();
+    EXPECT_EQ(longest, session.output());
+}
+
+// A process that leads its session is not stopped, only asked to.
+TEST(TerminalGuard, WritesNothingAroundAStopBeforeTheCursorIsKnown) {
+    terminal_session session([] {
+        const terminal_guard guard;
+        raise(SIGTSTP);
+        return std::string("went on");
+    });
+    EXPECT_EQ("went on", session.result());
+    EXPECT_EQ("", session.output());
+}
+
 // The cursor's sequence would be waited for for ever.
 TEST(TerminalGuard, EndsThoughNobodyReadsWhatTheTerminalShows) {
     terminal_session session([] {
@@ -108,6 +131,16 @@ TEST(TerminalGuard, LeavesSignalsTheirDefaultActionBehind) {
         return std::string(action.sa_handler == SIG_DFL ? "default" : "other");
     });
     EXPECT_EQ("default", session.result());
+}
+
+TEST(TerminalGuard, StopsWithoutATerminal) {
+    terminal_session session([] {
+        const typed_input pipe("");
+        const terminal_guard guard;
+        raise(SIGTSTP);
+        return std::string("went on");
+    });
+    EXPECT_EQ("went on", session.result());
 }
 
 TEST(TerminalGuard, DoesNothingWithoutATerminal) {
