@@ -186,6 +186,19 @@ INSTANTIATE_TEST_SUITE_P(
                     fault_row_t{"MenuInPieces", "write:1:500:short", normalEnd}),
     [](const auto& row) { return row.param.name; });
 
+// What was read of that line is not to be taken for the whole value.
+TEST_F(fault_test, RefusesAReleaseFileThatBreaksOffWithinALine) {
+    constexpr std::size_t moreThanOneRead = 5000;
+    package.write("releasefile-information.txt",
+                  "IMAGE_NAME=fw.bin\nSYSTEM=RX\nSDR_RELEASE=3\n"
+                  "VARN_RELEASE=" +
+                      std::string(moreThanOneRead, '2') + "\n");
+    start("read file:2:2:EIO");
+    EXPECT_EQ(0, walk());
+    EXPECT_TRUE(hasFailed());
+    EXPECT_NE(std::string::npos, session->output().find(notProper)) << session->output();
+}
+
 // Every call fails at every point where it is made, one at a time: whatever comes of it, the
 // program ends orderly and leaves nothing behind. A terminal that cannot be given back is the one
 // thing that ends it by SIGABRT.

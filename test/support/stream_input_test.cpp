@@ -131,6 +131,8 @@ TEST(ReadInput, TakesNoDeleteForTheEndOfASequence) {
                 return waitedForMore || session.hasEnded();
             },
             "a wait for more");
+        session.type("~");
+        session.awaitEnd();
     }
     EXPECT_TRUE(waitedForMore);
 }

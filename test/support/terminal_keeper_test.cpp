@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 
 #include "harness/terminal_session.hpp"
 #include "harness/test_surroundings.hpp"
@@ -92,7 +93,7 @@ TEST(TerminalKeeper, LeavesTheTerminalToTheShellOfTheSession) {
                 const terminal_keeper keeper;
                 tcsetpgrp(STDIN_FILENO, shell);
             }
-            _exit(tcgetpgrp(STDIN_FILENO) == shell ? 0 : 1);
+            std::exit(tcgetpgrp(STDIN_FILENO) == shell ? 0 : 1);
         }
         int status = -1;
         waitpid(job, &status, 0);
