@@ -7,6 +7,8 @@ namespace {
 
 constexpr const char* ctrlC = "\x03";
 
+bool endsProgram(const std::string& input) { return input.ends_with(ctrlC); }
+
 std::string textOf(int key) { return "line " + std::to_string(key); }
 
 /// @return the number, or the greatest one there is
@@ -58,20 +60,20 @@ menu_model::menu_model(const std::string& kinds) : lines("." + kinds + ".") {
     }
 }
 
-events_t menu_model::run(const texts_t& inputs) {
+events_t menu_model::run(const std::function<std::string()>& nextInput,
+                         const std::function<void()>& warned) {
     events_t events;
     std::string drawn = drawing();
-    for (const std::string& input : inputs) {
+    for (std::string input; !endsProgram(input);) {
+        input = nextInput();
         const std::string happened = answer(input);
-        if (happened.empty()) {
-            drawn = drawing();
-            continue;
+        if (!happened.empty()) {
+            // What it says is shown as far as its first NUL.
+            events.push_back(happened.substr(0, happened.find('\0')) + "\n" +
+                             std::to_string(selected) + "\n" + drawn);
         }
-        // What it says is shown as far as its first NUL.
-        events.push_back(happened.substr(0, happened.find('\0')) + "\n" + std::to_string(selected) +
-                         "\n" + drawn);
-        if (input.back() == *ctrlC) {
-            break;
+        if (happened.starts_with("Wrong")) {
+            warned();
         }
         drawn = drawing();
     }
@@ -80,7 +82,7 @@ events_t menu_model::run(const texts_t& inputs) {
 
 /// @return what happens; nothing when the highlight moves, or stays, at the most
 std::string menu_model::answer(const std::string& input) {
-    if (input.back() == *ctrlC) {
+    if (endsProgram(input)) {
         return "user interruption";
     }
     if (input == "\n") {

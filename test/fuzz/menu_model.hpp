@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -26,8 +27,11 @@ class menu_model {
 public:
     explicit menu_model(const std::string& kinds);
 
+    /// @param nextInput called for every input; one that ends in Ctrl-C is the last
+    /// @param warned called for every warning
     /// @return see fuzzed_gui::run
-    events_t run(const texts_t& inputs);
+    events_t run(
+        const std::function<std::string()>& nextInput, const std::function<void()>& warned = [] {});
 
 private:
     std::string answer(const std::string& input);

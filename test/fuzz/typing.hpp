@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// What arrives on the terminal at once, and how long after the piece before it.
+struct piece_t {
+    int pause;  ///< in milliseconds
+    std::string bytes;
+};
+
+using typing_t = std::vector<piece_t>;
+
+/// Room enough for what one terminal keeps unread.
+inline constexpr std::size_t longestTyping = 1000;
+
+/// How long a drawing of the menu takes, in milliseconds: what arrives meanwhile is typed ahead.
+inline constexpr int drawingTime = 20;
+
+/// @param text pieces, each behind a "|"; the first byte of a piece is its pause
+/// @return the pieces, and the last ones that confirm a warning and end the program
+typing_t typingOf(const std::string& text);
