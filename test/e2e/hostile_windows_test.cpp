@@ -16,20 +16,6 @@ struct window_t {
 
 void PrintTo(const window_t& window, std::ostream* out) { *out << window.name; }
 
-/// Everything that a user sees: texts, their attributes, and whether there is a cursor.
-std::string picture(const terminal_screen& screen, const window_t& window) {
-    std::string all = screen.text() + (screen.isCursorVisible() ? "cursor\n" : "no cursor\n");
-    for (int row = 0; row < window.rows; ++row) {
-        for (int column = 0; column < window.columns; ++column) {
-            const screen_cell_t cell = screen.cell(row, column);
-            all += cell.reverse ? 'r' : cell.bold ? 'b' : '.';
-            all += std::to_string(cell.foreground) + "," + std::to_string(cell.background) + " ";
-        }
-        all += "\n";
-    }
-    return all;
-}
-
 /// The way through the menus in a window where not everything may be in sight: the program's
 /// output tells where it is.
 class windows_test : public tool_test {
@@ -81,7 +67,7 @@ protected:
         EXPECT_TRUE(drawing.starts_with(clearSequence)) << drawing;
         terminal_screen fresh(GetParam().rows, GetParam().columns);
         fresh.write(drawing);
-        return picture(fresh, GetParam());
+        return fresh.picture();
     }
 };
 
@@ -102,7 +88,7 @@ protected:
 TEST_P(emulated_window_test, ShowsWhatAFreshDrawingWould) {
     start(GetParam().rows, GetParam().columns);
     walk([&](const std::string& where) {
-        const std::string seen = picture(session->screen(), GetParam());
+        const std::string seen = session->screen().picture();
         EXPECT_EQ(freshPicture(), seen) << where;
     });
 }

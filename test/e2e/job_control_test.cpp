@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "e2e/tool_test.hpp"
+#include "harness/process_state.hpp"
 
 namespace {
 
@@ -24,13 +25,6 @@ protected:
 };
 
 class resize_test : public tool_test {};
-
-bool isStopped(pid_t process) {
-    std::ifstream status("/proc/" + std::to_string(process) + "/stat");
-    std::string text;
-    std::getline(status, text);
-    return text.find(") T ") != std::string::npos;
-}
 
 }  // namespace
 

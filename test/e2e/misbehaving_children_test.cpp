@@ -1,31 +1,90 @@
 #include <csignal>
-#include <cstring>
 #include <filesystem>
+#include <ostream>
+#include <tuple>
 
 #include "e2e/tool_test.hpp"
+#include "harness/process_state.hpp"
 
 namespace {
 
-class misbehaving_core_program_test : public tool_test {
+/// When the menu comes back behind ENTER only.
+enum class enter_t { never, unless_killed, always };
+
+/// A program that the menu runs on the terminal.
+struct child_row_t {
+    const char* name;
+    const char* number;  ///< of its line
+    enter_t awaitsEnter;
+};
+
+constexpr child_row_t coreProgramRow{"varnflash", "1", enter_t::unless_killed};
+constexpr child_row_t lessRow{"less", "5", enter_t::never};
+constexpr child_row_t moreRow{"more", "5", enter_t::always};
+
+void PrintTo(const child_row_t& child, std::ostream* out) { *out << child.name; }
+
+/// A child program does something that it should not, and the menu is as it was.
+class child_test : public tool_test {
 protected:
-    /// Flashes with a core program that does this, and goes on to the menu.
-    void flashWith(const std::string& steps) {
-        startMenu();
-        package.let("varnflash", steps);
-        choose(1);
-        awaitCoreProgramsEnd();
-        expectOwnMode();
-        session->press("\r");
-        awaitMenu("1");
-        session->press("8");
-        awaitMenu("8");
+    explicit child_test(const child_row_t& row) : child(row) {
+        if (child.name == std::string("more")) {
+            package.remove("programs/less");
+        }
     }
 
-    /// It is asked once at the start, and runs for the second time now.
-    void awaitCoreProgramsEnd() {
-        session->await([&] { return package.runs().size() == 2 && package.runs().back().ended; },
-                       "the core program to end");
+    void run(const std::string& steps) {
+        startMenu();
+        package.let(child.name, steps);
+        session->press(child.number);
+        awaitMenu(child.number);
+        menu = session->screen().picture();
+        runsBefore = package.runs().size();
+        session->press("\r");
+    }
+
+    /// @return what is known of its run, with no process as long as it has not been started
+    run_record_t record() const {
+        const auto runs = package.runs();
+        const bool isStarted = runs.size() > runsBefore && runs.back().name == child.name;
+        return isStarted ? runs.back() : run_record_t{};
+    }
+
+    void expectMenuBehindItsEnd() {
+        session->await([&] { return record().ended; }, "the child's end");
+        if (child.awaitsEnter != enter_t::never) {
+            confirm();
+        }
+        expectMenu();
+        EXPECT_EQ(std::string::npos, session->output().find("[WARN]"));
+    }
+
+    void expectMenuBehindItsDeath() {
+        if (child.awaitsEnter == enter_t::always) {
+            confirm();
+        }
+        session->awaitScreen("[WARN] Command cannot be executed properly");
+        session->awaitScreen("Press ENTER to continue...");
+        confirm();
+        expectMenu();
+    }
+
+    std::string menu;
+
+private:
+    void confirm() {
         session->awaitKeyWait();
+        expectOwnMode();
+        session->press("\r");
+    }
+
+    void expectMenu() {
+        awaitMenu(child.number);
+        EXPECT_EQ(menu, session->screen().picture());
+        EXPECT_FALSE(session->screen().isCursorVisible());
+        expectOwnMode();
+        session->press("8");
+        awaitMenu("8");
     }
 
     void expectOwnMode() const {
@@ -33,84 +92,107 @@ protected:
         EXPECT_EQ(0U, session->terminal().attributes().c_lflag & cooked);
         EXPECT_NE(0U, session->terminal().attributes().c_iflag & ICRNL);
     }
+
+    child_row_t child;
+    std::size_t runsBefore = 0;
 };
 
-class killed_core_program_test : public misbehaving_core_program_test,
-                                 public testing::WithParamInterface<int> {};
+class misbehaving_child_test : public child_test, public testing::WithParamInterface<child_row_t> {
+protected:
+    misbehaving_child_test() : child_test(GetParam()) {}
+};
+
+class killed_child_test : public child_test,
+                          public testing::WithParamInterface<std::tuple<child_row_t, int>> {
+protected:
+    killed_child_test() : child_test(std::get<0>(GetParam())) {}
+};
+
+class core_program_test : public tool_test {};
+
+const auto everyChild = testing::Values(coreProgramRow, lessRow, moreRow);
+const auto everyPager = testing::Values(lessRow, moreRow);
+
+std::string killedName(const testing::TestParamInfo<std::tuple<child_row_t, int>>& info) {
+    const auto& [child, signal] = info.param;
+    return std::string(child.name) + sigabbrev_np(signal);
+}
 
 }  // namespace
 
-TEST_P(killed_core_program_test, IsAWarning) {
-    startMenu();
-    package.let("varnflash", "kill " + std::to_string(GetParam()));
-    choose(2);
-    session->awaitScreen("[WARN] Command cannot be executed properly");
-    session->awaitScreen("Press ENTER to continue...");
-    session->press("\r");
-    awaitMenu("2");
+TEST_P(killed_child_test, IsAWarning) {
+    run("kill " + std::to_string(std::get<1>(GetParam())));
+    expectMenuBehindItsDeath();
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, killed_core_program_test,
-                         testing::Values(SIGILL, SIGTRAP, SIGABRT, SIGBUS, SIGFPE, SIGKILL, SIGUSR1,
-                                         SIGSEGV, SIGUSR2, SIGPIPE, SIGALRM, SIGTERM, SIGXCPU,
-                                         SIGXFSZ, SIGVTALRM, SIGPROF, SIGIO, SIGPWR, SIGSYS),
-                         [](const auto& signal) { return sigabbrev_np(signal.param); });
+INSTANTIATE_TEST_SUITE_P(
+    Signals, killed_child_test,
+    testing::Combine(everyChild,
+                     testing::Values(SIGILL, SIGTRAP, SIGABRT, SIGBUS, SIGFPE, SIGKILL, SIGUSR1,
+                                     SIGSEGV, SIGUSR2, SIGPIPE, SIGALRM, SIGTERM, SIGSTKFLT,
+                                     SIGXCPU, SIGXFSZ, SIGVTALRM, SIGPROF, SIGIO, SIGPWR, SIGSYS)),
+    killedName);
 
-TEST_F(misbehaving_core_program_test, LeavesTheTerminalDeaf) { flashWith("mode deaf"); }
+// A core program is kept from those.
+INSTANTIATE_TEST_SUITE_P(HeldSignals, killed_child_test,
+                         testing::Combine(everyPager, testing::Values(SIGHUP, SIGINT, SIGQUIT)),
+                         killedName);
 
-TEST_F(misbehaving_core_program_test, LeavesTheTerminalWithLineEditing) {
-    flashWith("mode cooked");
+TEST_P(misbehaving_child_test, LeavesTheTerminalDeaf) {
+    run("mode deaf");
+    expectMenuBehindItsEnd();
 }
 
-TEST_F(misbehaving_core_program_test, ChangesTheTerminalAndDies) {
-    startMenu();
-    package.let("varnflash", "mode deaf\nkill 9");
-    choose(1);
-    session->awaitScreen("Press ENTER to continue...");
-    session->awaitKeyWait();
-    expectOwnMode();
-    session->press("\r");
-    awaitMenu("1");
+TEST_P(misbehaving_child_test, LeavesTheTerminalWithLineEditing) {
+    run("mode cooked");
+    expectMenuBehindItsEnd();
 }
 
-TEST_F(misbehaving_core_program_test, LeavesTheTerminalToAGrandchild) { flashWith("steal"); }
-
-TEST_F(misbehaving_core_program_test, ClosesItsDescriptors) { flashWith("close"); }
-
-TEST_F(misbehaving_core_program_test, ReadsAllInput) {
-    startMenu();
-    package.let("varnflash", "swallow");
-    choose(1);
-    awaitCoreProgramsEnd();
-    session->press("\r");
-    awaitMenu("1");
+TEST_P(misbehaving_child_test, ChangesTheTerminalAndDies) {
+    run("mode deaf\nmode cooked\nsteal\nkill 9");
+    expectMenuBehindItsDeath();
 }
 
-TEST_F(misbehaving_core_program_test, FloodsTheTerminal) {
-    startMenu();
-    package.let("varnflash", "flood 100");
-    choose(1);
-    session->awaitScreen("that was all");
-    session->press("\r");
-    awaitMenu("1");
+TEST_P(misbehaving_child_test, LeavesTheTerminalToAGrandchild) {
+    run("steal");
+    expectMenuBehindItsEnd();
 }
 
-TEST_F(misbehaving_core_program_test, StopsAndGoesOn) {
-    startMenu();
-    package.let("varnflash", "kill 19\nprint went on");
-    choose(1);
-    session->await([&] { return package.runs().size() == 2; }, "the core program");
-    session->await(
-        [&] {
-            kill(package.runs().back().process, SIGCONT);
-            return session->screen().contains("went on");
-        },
-        "the core program to go on");
-    session->press("\r");
-    awaitMenu("1");
+TEST_P(misbehaving_child_test, ClosesItsDescriptors) {
+    run("close");
+    expectMenuBehindItsEnd();
 }
 
-TEST_F(misbehaving_core_program_test, IsReplacedOrRemovedOrMadeUnusable) {
+TEST_P(misbehaving_child_test, ReadsAllInput) {
+    run("swallow");
+    expectMenuBehindItsEnd();
+}
+
+TEST_P(misbehaving_child_test, ReadsAllInputLineByLine) {
+    run("mode cooked\nprint reading\nswallow");
+    session->awaitScreen("reading");
+    session->type("3\r\x04");
+    expectMenuBehindItsEnd();
+}
+
+TEST_P(misbehaving_child_test, FloodsTheTerminal) {
+    run("flood 100");
+    expectMenuBehindItsEnd();
+    EXPECT_NE(std::string::npos, session->output().find("that was all"));
+}
+
+TEST_P(misbehaving_child_test, StopsAndGoesOn) {
+    run("kill 19\nprint went on");
+    session->await([&] { return isStopped(record().process); }, "the child to stop");
+    kill(record().process, SIGCONT);
+    expectMenuBehindItsEnd();
+    EXPECT_NE(std::string::npos, session->output().find("went on"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Child, misbehaving_child_test, everyChild,
+                         [](const auto& row) { return row.param.name; });
+
+TEST_F(core_program_test, IsReplacedOrRemovedOrMadeUnusable) {
     startMenu();
     const auto expectWarning = [&] {
         choose(1);
@@ -133,23 +215,4 @@ TEST_F(misbehaving_core_program_test, IsReplacedOrRemovedOrMadeUnusable) {
     session->awaitScreen("another program");
     session->press("\r");
     awaitMenu("1");
-}
-
-TEST_F(misbehaving_core_program_test, OrAPagerLeavesTheTerminalDeaf) {
-    package.remove("programs/less");
-    startMenu();
-    package.let("more", "show\nmode deaf");
-    choose(5);
-    session->awaitScreen("Press ENTER to close the file...");
-    session->awaitKeyWait();
-    expectOwnMode();
-    session->press("\r");
-    awaitMenu("5");
-    package.let("more", "mode cooked\nsteal\nkill 9");
-    session->press("\r");
-    session->awaitScreen("Press ENTER to close the file...");
-    session->press("\r");
-    session->awaitScreen("[WARN] Command cannot be executed properly");
-    session->press("\r");
-    awaitMenu("5");
 }

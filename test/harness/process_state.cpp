@@ -2,6 +2,18 @@
 
 #include <fstream>
 
+namespace {
+
+/// @return the line of the process in proc(5), "stat"; empty without one
+std::string stateOf(pid_t process) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/stat");
+    std::string line;
+    std::getline(status, line);
+    return line;
+}
+
+}  // namespace
+
 system_call_t currentSystemCall(pid_t process) {
     std::ifstream file("/proc/" + std::to_string(process) + "/syscall");
     system_call_t call;
@@ -28,8 +40,8 @@ std::string timesBlocked(pid_t process) {
 }
 
 bool isAlive(pid_t process) {
-    std::ifstream status("/proc/" + std::to_string(process) + "/stat");
-    std::string text;
-    std::getline(status, text);
-    return text.find(") Z ") == std::string::npos && !text.empty();
+    const std::string state = stateOf(process);
+    return !state.empty() && state.find(") Z ") == std::string::npos;
 }
+
+bool isStopped(pid_t process) { return stateOf(process).find(") T ") != std::string::npos; }

@@ -22,3 +22,6 @@ std::string timesBlocked(pid_t process);
 
 /// @return false for a process that has ended, waited for or not
 bool isAlive(pid_t process);
+
+/// @return true for a process that a signal has stopped
+bool isStopped(pid_t process);

@@ -18,6 +18,7 @@
 //   exit NUMBER    ends with this status
 
 #include <fcntl.h>
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -120,15 +121,15 @@ void leaveMode(const std::string& mode) {
     tcsetattr(STDIN_FILENO, TCSANOW, &attributes);
 }
 
-/// The child is gone when the terminal itself is.
+/// The child is gone when the terminal itself is. It looks for that, as a signal may be blocked,
+/// and the terminal's foreground is taken from it.
 void leaveTerminalToAnotherGroup() {
     std::signal(SIGTTOU, SIG_IGN);
     const pid_t child = fork();
     if (child == 0) {
-        std::signal(SIGHUP, SIG_DFL);
-        for (;;) {
-            pause();
-        }
+        pollfd hangUp{STDIN_FILENO, 0, 0};
+        poll(&hangUp, 1, -1);
+        _exit(0);
     }
     setpgid(child, child);
     tcsetpgrp(STDIN_FILENO, child);

@@ -74,6 +74,22 @@ std::string terminal_screen::text() const {
     return all;
 }
 
+std::string terminal_screen::picture() const {
+    int rowCount = 0;
+    int columns = 0;
+    vterm_get_size(terminal.get(), &rowCount, &columns);
+    std::string all = text() + (cursorVisible ? "cursor\n" : "no cursor\n");
+    for (int number = 0; number < rowCount; ++number) {
+        for (int column = 0; column < columns; ++column) {
+            const screen_cell_t seen = cell(number, column);
+            all += seen.reverse ? 'r' : seen.bold ? 'b' : '.';
+            all += std::to_string(seen.foreground) + "," + std::to_string(seen.background) + " ";
+        }
+        all += "\n";
+    }
+    return all;
+}
+
 bool terminal_screen::contains(std::string_view wanted) const {
     return text().find(wanted) != std::string::npos;
 }

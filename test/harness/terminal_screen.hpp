@@ -33,6 +33,10 @@ public:
     /// @return all rows in one text, for messages
     std::string text() const;
 
+    /// @return everything that a user sees, for comparisons: texts, their attributes, and whether
+    /// there is a cursor
+    std::string picture() const;
+
     bool contains(std::string_view text) const;
     screen_cell_t cell(int row, int column) const;
     bool isCursorVisible() const { return cursorVisible; }
