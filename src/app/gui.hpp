@@ -49,6 +49,7 @@ private:
     void reportWarning(const std::string& text);
     void printWarning();
     bool repaint();
+    void takeScreen();
     void composeHeader(menu_elem_t& menu) const;
     void redrawLines(const menu_elem_t& menu);
     void drawLines(const menu_elem_t& menu);
@@ -60,5 +61,6 @@ private:
     bool isExitSelected() const;
 
     bool evalMode;
-    std::string warning;  ///< what is shown below the menu; empty at the menu itself
+    std::string warning;           ///< what is shown below the menu; empty at the menu itself
+    bool screenIsForeign = false;  ///< a child program may have drawn on it since
 };

@@ -90,8 +90,7 @@ bool gui::repaint() {
     if (!screen_watch::hasChanged()) {
         return false;
     }
-    screenCommand(screen_clear);
-    screenCommand(screen_hide_cursor);
+    takeScreen();
     drawLines(menus.at(currentMenu));
     if (!warning.empty()) {
         printWarning();
@@ -100,14 +99,29 @@ bool gui::repaint() {
     return true;
 }
 
+/// Clears what somebody else has drawn, who may have left the terminal in any colour and with its
+/// cursor in sight.
+void gui::takeScreen() {
+    screenCommand(screen_reset_attributes);  // or the terminal would clear in that colour
+    screenCommand(screen_clear);
+    screenCommand(screen_hide_cursor);
+    screenIsForeign = false;
+}
+
 void gui::showMenuOnce() {
     menu_elem_t& menu = menus.at(currentMenu);
-    menu.callback(selectFrom(menu));
+    const menu_item_t item = selectFrom(menu);
+    screenIsForeign = true;  // a child program may draw on it now
+    menu.callback(item);
 }
 
 menu_item_t gui::selectFrom(menu_elem_t& menu) {
     const screen_watch changes;
-    screenCommand(screen_clear);
+    if (screenIsForeign) {
+        takeScreen();
+    } else {
+        screenCommand(screen_clear);
+    }
     numberLines(menu);
     composeHeader(menu);
     drawLines(menu);

@@ -153,6 +153,21 @@ TEST_P(misbehaving_child_test, ChangesTheTerminalAndDies) {
     expectMenuBehindItsDeath();
 }
 
+TEST_P(misbehaving_child_test, LeavesTheCursorInSight) {
+    run(R"(print \033[?25h)");
+    expectMenuBehindItsEnd();
+}
+
+TEST_P(misbehaving_child_test, LeavesAColour) {
+    run(R"(print \033[41m)");
+    expectMenuBehindItsEnd();
+}
+
+TEST_P(misbehaving_child_test, DiesInAColour) {
+    run("print \\033[41m\\033[?25h\nkill 9");
+    expectMenuBehindItsDeath();
+}
+
 TEST_P(misbehaving_child_test, LeavesTheTerminalToAGrandchild) {
     run("steal");
     expectMenuBehindItsEnd();
