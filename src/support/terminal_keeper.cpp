@@ -1,5 +1,6 @@
 #include "support/terminal_keeper.hpp"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -7,9 +8,12 @@
 #include "support/blocked_signals.hpp"
 
 terminal_keeper::terminal_keeper()
-    : isTerminal(tcgetattr(STDIN_FILENO, &attributes) == 0), foreground(tcgetpgrp(STDIN_FILENO)) {}
+    : isTerminal(tcgetattr(STDIN_FILENO, &attributes) == 0),
+      foreground(tcgetpgrp(STDIN_FILENO)),
+      outputFlags(fcntl(STDOUT_FILENO, F_GETFL)) {}
 
 terminal_keeper::~terminal_keeper() {
+    fcntl(STDOUT_FILENO, F_SETFL, outputFlags);
     if (isTerminal) {
         takeForeground();
         tcsetattr(STDIN_FILENO, TCSANOW, &attributes);

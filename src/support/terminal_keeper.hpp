@@ -3,8 +3,9 @@
 #include <sys/types.h>
 #include <termios.h>
 
-/// Keeps what a child program does to the terminal on standard input from outliving it: the
-/// attributes and the foreground process group are put back when this object ends.
+/// Keeps what a child program does to the terminal from outliving it: the attributes and the
+/// foreground process group of that on standard input, and the status flags of standard output
+/// (O_NONBLOCK, which is shared with the child) are put back when this object ends.
 class terminal_keeper {
 public:
     terminal_keeper();
@@ -19,4 +20,5 @@ private:
     termios attributes{};
     bool isTerminal;
     pid_t foreground;
+    int outputFlags;
 };

@@ -1,5 +1,6 @@
 #include "support/terminal_keeper.hpp"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -47,6 +48,19 @@ TEST(TerminalKeeper, PutsTheAttributesBack) {
                std::to_string(after.c_iflag == before.c_iflag);
     });
     EXPECT_EQ("11", session.result());
+}
+
+// A write that finds the terminal busy would fail.
+TEST(TerminalKeeper, MakesTheOutputWaitAgain) {
+    terminal_session session([] {
+        const int flags = fcntl(STDOUT_FILENO, F_GETFL);
+        {
+            const terminal_keeper keeper;
+            fcntl(STDOUT_FILENO, F_SETFL, flags | O_NONBLOCK);
+        }
+        return std::string(fcntl(STDOUT_FILENO, F_GETFL) == flags ? "waits" : "does not wait");
+    });
+    EXPECT_EQ("waits", session.result());
 }
 
 TEST(TerminalKeeper, TakesTheTerminalBackFromAnotherGroup) {
