@@ -25,39 +25,6 @@ constexpr int millisecondsPerSlowByte = 1;
 constexpr int mostLooksAtDying = 500;
 constexpr int mostPumpsAtOnce = 256;  // a look at the condition costs more than a pump
 
-/// Nothing of what started the tests is to be seen by the program under test.
-void resetSignals() {
-    for (int number = 1; number < NSIG; ++number) {
-        std::signal(number, SIG_DFL);
-    }
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-}
-
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> list;
-    for (std::string& text : texts) {
-        list.push_back(text.data());
-    }
-    list.push_back(nullptr);
-    return list;
-}
-
-[[noreturn]] void execute(const program_t& program) {
-    std::vector<std::string> arguments = program.arguments;
-    std::vector<std::string> environment;
-    for (const auto& [name, value] : program.environment) {
-        environment.push_back(name + "=" + value);
-    }
-    // Nor what the tests have open.
-    close_range(STDERR_FILENO + 1, ~0U, 0);
-    if (chdir(program.directory.c_str()) == 0 && (program.user == 0 || setuid(program.user) == 0)) {
-        execve(program.path.c_str(), pointers(arguments).data(), pointers(environment).data());
-    }
-    _exit(127);
-}
-
 }  // namespace
 
 terminal_session::terminal_session(const program_t& program, int rows, int columns)

@@ -3,22 +3,12 @@
 #include <sys/types.h>
 
 #include <functional>
-#include <map>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "harness/program.hpp"
 #include "harness/pseudo_terminal.hpp"
 #include "harness/terminal_screen.hpp"
-
-/// What to start, and how.
-struct program_t {
-    std::string path;
-    std::vector<std::string> arguments;  ///< with the program word in front
-    std::map<std::string, std::string> environment;
-    std::string directory;
-    uid_t user = 0;
-};
 
 /// One process on a terminal of its own, and a user in front of it. Every wait ends with what it
 /// waits for or, after a minute, with an exception that shows the screen.
