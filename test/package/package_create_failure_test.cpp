@@ -1,0 +1,93 @@
+#include <fstream>
+
+#include "package/package_test.hpp"
+
+namespace fs = std::filesystem;
+
+TEST_F(package_create_test, NeverOverwrites) {
+    for (const std::string name : {"varn-2.41", "varn-2.41.tar", "varn-2.41.tar.sha256"}) {
+        std::ofstream(out() / name) << "precious\n";
+        const outcome_t outcome = create();
+        EXPECT_EQ(1, outcome.status);
+        EXPECT_EQ("varnmenu-package: create: ./out/" + name + " exists already\n", outcome.errors);
+        EXPECT_EQ("precious\n", contentOf(out() / name));
+        fs::remove(out() / name);
+        EXPECT_TRUE(fs::is_empty(out()));
+
+        fs::create_symlink("nowhere", out() / name);
+        EXPECT_EQ(1, create().status);
+        EXPECT_TRUE(fs::is_symlink(out() / name));
+        fs::remove(out() / name);
+        EXPECT_TRUE(fs::is_empty(out()));
+    }
+}
+
+TEST_F(package_create_test, MakesNothingThatTheCheckRefuses) {
+    package.remove("readme.txt");
+    const outcome_t outcome = create({"--release=2\"41"});
+    expectNothingMade(
+        outcome,
+        "releasefile-information.txt: VARN_RELEASE holds a quote; remove it: the tool would drop "
+        "it\nreadme.txt: is missing; put it there\n"
+        "varnmenu-package: create: nothing is made, as the package has findings\n");
+}
+
+TEST_F(package_create_test, NoticesThatImageAndCoreProgramAreMixedUp) {
+    expectNothingMade(create({"--image=tool/varnflash", "--core=fw.bin"}),
+                      "tool/varnflash: is no program; put an ELF program or a script with \"#!\" "
+                      "there\nvarnmenu-package: create: nothing is made, as the package has "
+                      "findings\n");
+}
+
+TEST_F(package_create_test, SaysWhatItCannotTake) {
+    fs::create_directory(package.root() / "folder");
+    expectNothingMade(create({"--image=folder"}), "create: ./folder is not a regular file\n");
+    expectNothingMade(create({"--image=folder/"}), "create: ./folder/ is not a regular file\n");
+    expectNothingMade(create({"--core=nowhere"}), "create: ./nowhere is not a regular file\n");
+    expectNothingMade(create({"--tool=/dev/zero"}), "create: /dev/zero is not a regular file\n");
+    expectNothingMade(create({"--documents=fw.bin"}), "create: ./fw.bin is not a directory\n");
+    expectNothingMade(create({"--output=fw.bin/x"}), "create: cannot make ./fw.bin/x\n");
+}
+
+TEST_F(package_create_test, TakesNoImageWithTheNameOfAnotherFile) {
+    for (const std::string name : {"readme.txt", "releasefile-information.txt", "tool"}) {
+        fs::create_directories(package.root() / "images");
+        package.write("images/" + name, "image\n");
+        expectNothingMade(
+            create({"--image=images/" + name}),
+            "create: ./images/" + name + " has the name of another file of the package\n");
+    }
+}
+
+TEST_F(package_create_test, LeavesNothingWhenACopyFails) {
+    replaceProgram("cp", "exit 1");
+    expectNothingMade(create(), "create: cannot copy ./tool/varnmenu\n");
+    replaceProgram("cp", "exec /bin/cp \"$@\"");
+    replaceProgram("chmod", "exit 1");
+    expectNothingMade(create(),
+                      "create: cannot set the permissions of ./out/varn-2.41/tool/varnmenu\n");
+}
+
+TEST_F(package_create_test, LeavesNothingWhenTheArchiveFails) {
+    replaceProgram("tar", "echo half of it; exit 2");
+    expectNothingMade(create(), "create: cannot write ./out/varn-2.41.tar\n");
+}
+
+TEST_F(package_create_test, LeavesNothingWhenTheChecksumFails) {
+    replaceProgram("sha256sum", "echo half of it; exit 1");
+    expectNothingMade(create(), "create: cannot write ./out/varn-2.41.tar.sha256\n");
+}
+
+TEST_F(package_create_test, LeavesNothingWhenItIsInterrupted) {
+    for (const auto& [signal, number] : {std::pair{"HUP", 1}, {"INT", 2}, {"TERM", 15}}) {
+        replaceProgram("tar", std::string("kill -") + signal + " $PPID");
+        expectNothingMade(create(), "", 128 + number);
+    }
+}
+
+TEST_F(package_create_test, LeavesNothingWhereItMayNotRead) {
+    fs::permissions(package.root() / "fw.bin", fs::perms(0600));
+    fs::permissions(out(), fs::perms(0777));
+    script.user = 65534;
+    expectNothingMade(create(), "create: cannot copy ./fw.bin\n");
+}

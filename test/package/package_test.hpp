@@ -1,0 +1,61 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "e2e/tool_test.hpp"
+
+/// The packaging script, and how it is run.
+struct package_script {
+    std::vector<std::string> shell{"/bin/sh"};  ///< with its arguments
+    std::map<std::string, std::string> environment{{"PATH", "/usr/bin:/bin"}};
+    uid_t user = 0;
+
+    outcome_t run(const std::vector<std::string>& words,
+                  const std::filesystem::path& directory) const;
+};
+
+/// @return all bytes of a file
+std::string contentOf(const std::filesystem::path& path);
+
+/// The shells that the script is to work with.
+const std::vector<std::vector<std::string>>& shells();
+
+/// Puts something where the package has its tool that is enough for a check.
+void addStandInTool(const package_folder& package);
+
+/// A package that the script finds nothing wrong with.
+class package_test : public tool_test {
+protected:
+    package_test() { addStandInTool(package); }
+
+    /// Runs the script in the package.
+    outcome_t run(const std::vector<std::string>& words) const {
+        return script.run(words, package.root());
+    }
+
+    outcome_t check() const { return run({"check", "."}); }
+
+    package_script script;
+};
+
+/// Packages are made of the files of the package that is there, in its folder "out".
+class package_create_test : public package_test {
+protected:
+    package_create_test();
+
+    std::filesystem::path out() const { return package.root() / "out"; }
+
+    /// Makes out/varn-2.41.
+    /// @param words more options; a later one of the same name wins
+    outcome_t create(const std::vector<std::string>& words = {}) const;
+
+    /// @param message how standard error ends
+    void expectNothingMade(const outcome_t& outcome, const std::string& message,
+                           int status = 1) const;
+
+    /// Puts a shell script ahead of a program that the packaging script runs.
+    void replaceProgram(const std::string& name, const std::string& text);
+};
+
+void expectMade(const outcome_t& outcome);

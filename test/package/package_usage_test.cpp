@@ -1,0 +1,117 @@
+#include "package/package_test.hpp"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class package_usage_test : public package_test {
+protected:
+    void expectUsageError(const std::vector<std::string>& words, const std::string& message) {
+        const outcome_t outcome = run(words);
+        EXPECT_EQ(2, outcome.status) << message;
+        EXPECT_EQ("", outcome.output);
+        EXPECT_EQ(
+            "varnmenu-package: " + message + "\nvarnmenu-package: see varnmenu-package --help\n",
+            outcome.errors);
+    }
+
+    void expectHelp(const std::vector<std::string>& words) {
+        const outcome_t outcome = run(words);
+        EXPECT_EQ(0, outcome.status);
+        EXPECT_TRUE(outcome.output.starts_with("usage: varnmenu-package create OPTION..."));
+        EXPECT_EQ("", outcome.errors);
+    }
+};
+
+}  // namespace
+
+TEST_F(package_usage_test, SaysHowItIsUsed) {
+    expectHelp({"--help"});
+    expectHelp({"check", "--help"});
+    expectHelp({"create", "--help"});
+    expectHelp({"create", "--image", "fw.bin", "--help"});
+}
+
+TEST_F(package_usage_test, HasTheVersionOfTheTool) {
+    const outcome_t outcome = run({"--version"});
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_EQ("varnmenu-package " PROJECT_VERSION "\n", outcome.output);
+}
+
+TEST_F(package_usage_test, NeedsACommandThatItKnows) {
+    expectUsageError({}, "create or check is missing");
+    expectUsageError({"--"}, "create or check is missing");
+    expectUsageError({"verify", "."}, "unknown command verify");
+    expectUsageError({"--bogus"}, "unknown command --bogus");
+}
+
+TEST_F(package_usage_test, ChecksOneDirectory) {
+    expectUsageError({"check"}, "check: takes one directory");
+    expectUsageError({"check", ".", "."}, "check: takes one directory");
+    expectUsageError({"check", "--", ".", "."}, "check: takes one directory");
+    expectUsageError({"check", "--deep", "."}, "check: unknown option --deep");
+    expectUsageError({"check", "-v"}, "check: unknown option -v");
+    expectUsageError({"check", "nowhere"}, "check: nowhere is not a directory");
+    expectUsageError({"check", "fw.bin"}, "check: fw.bin is not a directory");
+    expectUsageError({"check", ""}, "check:  is not a directory");
+}
+
+TEST_F(package_usage_test, EndsOptionsWithTwoDashes) {
+    EXPECT_EQ(0, run({"--", "check", "--", "."}).status);
+    expectUsageError({"create", "--", "--image"}, "create: --image is not an option");
+}
+
+TEST_F(package_usage_test, CreatesWithOptionsThatItKnows) {
+    expectUsageError({"create", "--bogus"}, "create: unknown option --bogus");
+    expectUsageError({"create", "--bogus=1"}, "create: unknown option --bogus");
+    expectUsageError({"create", "-i", "fw.bin"}, "create: unknown option -i");
+    expectUsageError({"create", "fw.bin"}, "create: fw.bin is not an option");
+}
+
+TEST_F(package_usage_test, CreatesWithAValueForEachOption) {
+    for (const std::string option : {"--image", "--core", "--release", "--sdr", "--system",
+                                     "--documents", "--output", "--tool"}) {
+        expectUsageError({"create", option}, "create: " + option + " needs a value");
+        expectUsageError({"create", option, ""}, "create: " + option + " needs a value");
+        expectUsageError({"create", option + "="}, "create: " + option + " needs a value");
+    }
+}
+
+TEST_F(package_usage_test, CreatesWithAllThatAPackageNeeds) {
+    std::vector<std::string> words{"create"};
+    for (const std::string option :
+         {"--image", "--core", "--release", "--sdr", "--system", "--documents", "--output"}) {
+        expectUsageError(words, "create: " + option + " is missing");
+        words.push_back(option + "=x");
+    }
+}
+
+TEST_F(package_usage_test, CreatesWithValuesOfOneLine) {
+    const std::vector<std::string> words{"create",         "--image=fw.bin", "--core=x",
+                                         "--release=2.41", "--sdr=3.07",     "--system=RX",
+                                         "--documents=.",  "--output=made"};
+    for (const std::string option : {"--release", "--sdr", "--system", "--image"}) {
+        auto spoilt = words;
+        spoilt.push_back(option + "=a\nb");
+        expectUsageError(spoilt, "create: the value of " + option + " holds a line feed");
+    }
+    EXPECT_FALSE(fs::exists(package.root() / "made"));
+}
+
+TEST_F(package_usage_test, CreatesAtATimeThatIsANumber) {
+    script.environment["SOURCE_DATE_EPOCH"] = "yesterday";
+    expectUsageError({"create", "--image=x", "--core=x", "--release=x", "--sdr=x", "--system=x",
+                      "--documents=x", "--output=x"},
+                     "create: SOURCE_DATE_EPOCH is no number of seconds");
+}
+
+TEST_F(package_usage_test, SaysWhichPackageItMayNotEnter) {
+    fs::create_directory(package.root() / "closed");
+    fs::permissions(package.root() / "closed", fs::perms(0));
+    script.user = 65534;
+    const outcome_t outcome = run({"check", "closed"});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("", outcome.output);
+    EXPECT_NE(std::string::npos, outcome.errors.find("./closed: cannot be entered"))
+        << outcome.errors;
+}
