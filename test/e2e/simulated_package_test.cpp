@@ -11,8 +11,8 @@ namespace {
 class simulated_package_test : public tool_test {
 protected:
     void assemble(const std::string& state = "step=0") {
-        const std::string command = std::string(DEMO_FOLDER "/assemble " VARNMENU_PROGRAM " ") +
-                                    folder().string() + " " + state;
+        const std::string command =
+            DEMO_FOLDER "/assemble " + program.path + " " + folder().string() + " " + state;
         ASSERT_EQ(0, std::system(command.c_str()));
         program.path = (folder() / "tool/varnmenu").string();
         program.arguments = {"./varnmenu"};

@@ -76,8 +76,8 @@ TEST_F(start_test, NeedsATerminalWithTheSequences) {
 
 TEST_F(start_test, NeedsTheWorkingDirectory) {
     std::filesystem::create_directory(package.tool() / "gone");
+    program.arguments = {"sh", "-c", "cd gone && /bin/rmdir ../gone && exec " + program.path};
     program.path = "/bin/sh";
-    program.arguments = {"sh", "-c", "cd gone && /bin/rmdir ../gone && exec " VARNMENU_PROGRAM};
     expectEnd(environmentLine);
 }
 
@@ -90,8 +90,8 @@ TEST_F(start_test, LeavesAnUnknownTerminalToTerminfo) {
 }
 
 TEST_F(start_test, NeedsATerminalOnStandardInput) {
+    program.arguments = {"sh", "-c", "echo | exec " + program.path};
     program.path = "/bin/sh";
-    program.arguments = {"sh", "-c", "echo | exec " VARNMENU_PROGRAM};
     expectEnd(
         "[CRIT] Invalid argument error: Cannot initialize terminal\nPress ENTER to continue...");
 }

@@ -6,9 +6,9 @@
 #include <fstream>
 
 tool_test::tool_test() {
-    // script/check-valgrind puts a program in front.
-    const char* wrapper = std::getenv("VARNMENU_WRAPPER");
-    program.path = wrapper == nullptr ? VARNMENU_PROGRAM : wrapper;
+    // The packaged one in script/check-dist, one below valgrind in script/check-valgrind.
+    const char* other = std::getenv("VARNMENU_PROGRAM");
+    program.path = other == nullptr ? VARNMENU_PROGRAM : other;
     program.arguments = {"/opt/package/varnmenu"};
     program.environment = {{"PATH", package.programs().string()},
                            {"TERM", "xterm"},

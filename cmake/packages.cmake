@@ -1,0 +1,35 @@
+# What is installed, and the .deb and .rpm of it that script/dist makes. The tool is no command of the
+# system: it is started from a firmware package, and lies ready to be put into one.
+
+include(GNUInstallDirs)
+set(tool_directory ${CMAKE_INSTALL_LIBEXECDIR}/varnmenu)
+install(TARGETS varnmenu DESTINATION ${tool_directory})
+install(PROGRAMS script/varnmenu-package DESTINATION ${tool_directory})
+install(FILES doc/varnmenu.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
+install(FILES doc/varnmenu-package.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+
+set(CPACK_GENERATOR DEB RPM)
+set(CPACK_PACKAGE_VENDOR "Varn Firmware Tools")
+set(CPACK_PACKAGE_CONTACT "Varn Firmware Tools")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Menu for updating the firmware of a management controller")
+set(CPACK_PACKAGE_DESCRIPTION
+    "The terminal menu that a Varn firmware package ships, and the script that makes such a package.")
+
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION admin)
+set(CPACK_RPM_FILE_NAME RPM-DEFAULT)
+set(CPACK_RPM_PACKAGE_LICENSE "Proprietary")
+set(CPACK_RPM_PACKAGE_AUTOREQPROV OFF)
+# The folders are the system's own.
+set(CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION
+    /usr/libexec /usr/share/man /usr/share/man/man1 /usr/share/man/man8)
+# Nothing that tells one build from another; the program is stripped already.
+set(CPACK_RPM_SPEC_MORE_DEFINE "
+%define _buildhost localhost
+%define use_source_date_epoch_as_buildtime 1
+%define clamp_mtime_to_source_date_epoch 1
+%define _build_id_links none
+%define __os_install_post %{nil}")
+
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/prepare_package.cmake)
+include(CPack)
