@@ -1,5 +1,6 @@
 #include "key_script.hpp"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -11,11 +12,12 @@ constexpr int mostTries = 5;
 
 }  // namespace
 
-key_script::key_script(const contestant_t& contestant, std::vector<std::string> keys)
+key_script::key_script(const contestant_t& contestant, std::vector<std::string> keys,
+                       std::size_t keysInSession)
     : round(std::move(keys)) {
     timed_session session(contestant);
     frameBytes = session.countBytes(quietAfterFrame);
-    for (std::size_t i = 0; i < 2 * round.size(); ++i) {
+    for (std::size_t i = 0; i < std::min(2 * round.size(), keysInSession); ++i) {
         session.press(round[i % round.size()]);
         bytes.push_back(session.countBytes(quietAfterKey));
         if (bytes.back() == 0) {

@@ -12,7 +12,10 @@ class key_script {
 public:
     /// Learns the bytes from the contestant itself, in two rounds: the first one starts from where
     /// nothing or the first entry is highlighted, all others from where a round ends.
-    key_script(const contestant_t& contestant, std::vector<std::string> keys);
+    /// @param keysInSession how many keys will be pressed in a session: no more than these are
+    /// learned
+    key_script(const contestant_t& contestant, std::vector<std::string> keys,
+               std::size_t keysInSession);
 
     /// Presses a key and waits for the drawing; a key that got lost is pressed again.
     /// @param index how many keys have been pressed in this session before
@@ -23,12 +26,13 @@ public:
     /// @return how many bytes are printed at the start
     std::size_t firstFrame() const { return frameBytes; }
 
+    /// @return how often a key had to be pressed again so far
     int lostKeys() const { return lost; }
 
 private:
     std::vector<std::string> round;
     std::size_t frameBytes;
-    std::vector<std::size_t> bytes;  ///< of the keys of both rounds
+    std::vector<std::size_t> bytes;  ///< for each key of both rounds
     int lost = 0;
 };
 

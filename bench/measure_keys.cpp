@@ -14,17 +14,18 @@ struct key_costs_t {
     samples_by_contestant_t writes;
     samples_by_contestant_t bytes;
     samples_by_contestant_t peakMemory;
+    samples_by_contestant_t lostKeys;
 };
 
 /// One contestant with its session.
 class player {
 public:
-    player(const contestant_t& who, const std::vector<std::string>& keys)
-        : contestant(who), script(who, keys) {}
+    player(const contestant_t& who, const std::vector<std::string>& keys, std::size_t keyCount)
+        : contestant(who), script(who, keys, keyCount) {}
 
     void start() {
         session = std::make_unique<timed_session>(contestant);
-        session->awaitBytes(script.firstFrame());
+        session->awaitFrame(script.firstFrame());
     }
 
     void press(std::size_t index, std::size_t id, key_costs_t& costs) {
@@ -45,6 +46,7 @@ public:
 
     void end(std::size_t id, key_costs_t& costs) {
         costs.peakMemory.at(id).push_back(static_cast<double>(peakMemory(session->process())));
+        costs.lostKeys.at(id).push_back(script.lostKeys());
         session.reset();
     }
 
@@ -59,17 +61,17 @@ key_costs_t play(const contestants_t& contestants, const std::vector<std::string
     std::vector<std::pair<std::size_t, player>> players;
     for (std::size_t id = 0; id < contestant_count; ++id) {
         if (!areDigits || contestants.at(id).knowsDigits) {
-            players.emplace_back(id, player(contestants.at(id), keys));
+            players.emplace_back(id, player(contestants.at(id), keys, extent.keys));
         }
     }
     key_costs_t costs;
-    for (int round = 0; round < extent.sessions; ++round) {
+    for (std::size_t round = 0; round < extent.sessions; ++round) {
         for (auto& [id, each] : players) {
             each.start();
         }
-        for (int key = 0; key < extent.keys; ++key) {
+        for (std::size_t key = 0; key < extent.keys; ++key) {
             for (auto& [id, each] : players) {
-                each.press(static_cast<std::size_t>(key), id, costs);
+                each.press(key, id, costs);
             }
         }
         for (auto& [id, each] : players) {
@@ -80,12 +82,13 @@ key_costs_t play(const contestants_t& contestants, const std::vector<std::string
 }
 
 samples_by_contestant_t percentiles(const samples_by_contestant_t& samples, double percent,
-                                    int keysPerSession) {
+                                    std::size_t keysPerSession) {
     samples_by_contestant_t results;
     for (std::size_t id = 0; id < contestant_count; ++id) {
         const samples_t& all = samples.at(id);
-        for (auto first = all.begin(); first != all.end(); first += keysPerSession) {
-            results.at(id).push_back(percentile({first, first + keysPerSession}, percent));
+        const auto count = static_cast<std::ptrdiff_t>(keysPerSession);
+        for (auto first = all.begin(); first != all.end(); first += count) {
+            results.at(id).push_back(percentile({first, first + count}, percent));
         }
     }
     return results;
@@ -93,18 +96,17 @@ samples_by_contestant_t percentiles(const samples_by_contestant_t& samples, doub
 
 }  // namespace
 
-rows_t measureKeys(const contestants_t& contestants, const extent_t& extent) {
+void measureKeys(const contestants_t& contestants, const extent_t& extent, figures_t& figures) {
     const key_costs_t arrows = play(contestants, arrowKeys(), false, extent);
+    figures[arrow_latency] = arrows.latency;
+    figures[arrow_latency_99] = percentiles(arrows.latency, 99, extent.keys);
+    figures[arrow_processor] = arrows.processorTime;
+    figures[arrow_writes] = arrows.writes;
+    figures[arrow_bytes] = arrows.bytes;
+    figures[lost_keys] = arrows.lostKeys;
+    figures[peak_memory] = arrows.peakMemory;
     const key_costs_t digits = play(contestants, digitKeys(), true, extent);
-    return {
-        {"arrow key to redraw, us", 0, arrows.latency},
-        {"- 99th percentile", 0, percentiles(arrows.latency, 99, extent.keys)},
-        {"digit to redraw, us", 0, digits.latency},
-        {"- 99th percentile", 0, percentiles(digits.latency, 99, extent.keys)},
-        {"CPU time per arrow key, us", 0, arrows.processorTime},
-        {"CPU time per digit, us", 0, digits.processorTime},
-        {"write calls per arrow key", 0, arrows.writes},
-        {"bytes per arrow key", 0, arrows.bytes},
-        {"peak memory, kB", 0, arrows.peakMemory},
-    };
+    figures[digit_latency] = digits.latency;
+    figures[digit_latency_99] = percentiles(digits.latency, 99, extent.keys);
+    figures[digit_processor] = digits.processorTime;
 }

@@ -1,52 +1,40 @@
 #pragma once
 
 #include "contestants.hpp"
-#include "rows.hpp"
+#include "figures.hpp"
 
 /// How much is measured.
 struct extent_t {
-    int starts;         ///< of every contestant
-    int keys;           ///< pressed in a session
-    int sessions;       ///< in which keys are pressed
-    int idleSeconds;    ///< that nothing is pressed
-    int oldKeys;        ///< pressed before a session counts as old
-    int oldSessions;    ///< that get old
-    int longFileReads;  ///< of each release file
+    std::size_t starts;         ///< of every contestant
+    std::size_t keys;           ///< pressed in a session
+    std::size_t sessions;       ///< in which keys are pressed
+    int idleSeconds;            ///< in which nothing is pressed
+    std::size_t oldKeys;        ///< pressed before a session counts as old
+    std::size_t windowKeys;     ///< pressed then, and at the start of a young session
+    std::size_t oldSessions;    ///< that get old
+    std::size_t longFileReads;  ///< of every release file
 };
 
-// Each measures all contestants in turn, so that what else the machine does meets them alike.
+// All contestants take turns, so that what else the machine does meets them alike.
 
 /// From right before the start to the last byte of the first frame.
-rows_t measureStart(const contestants_t& contestants, const extent_t& extent);
+void measureStart(const contestants_t& contestants, const extent_t& extent, figures_t& figures);
 
 /// What an arrow key and a digit cost, and the memory that is taken by then.
-rows_t measureKeys(const contestants_t& contestants, const extent_t& extent);
+void measureKeys(const contestants_t& contestants, const extent_t& extent, figures_t& figures);
 
-/// The processor time of those who wait: at the menu, and ours at a warning and behind a flash.
-rows_t measureIdle(const contestants_t& contestants, const extent_t& extent);
+/// The processor time of those who wait: all at the menu, ours at a warning and behind a flash,
+/// too.
+void measureIdle(const contestants_t& contestants, const extent_t& extent, figures_t& figures);
 
-/// The system calls of the program itself up to the first frame.
-rows_t measureSystemCalls(const contestants_t& contestants);
+/// The system calls of the program itself up to the first frame, see strace(1).
+void measureSystemCalls(const contestants_t& contestants, const extent_t& extent,
+                        figures_t& figures);
 
-/// How the first keys of our session differ from those behind many.
-struct ageing_t {
-    samples_t youngMicroseconds;
-    samples_t oldMicroseconds;
-    samples_t youngDescriptors;
-    samples_t oldDescriptors;
-};
-ageing_t measureAgeing(const contestant_t& contestant, const extent_t& extent);
+/// How the first keys of our session differ from those behind many others.
+void measureAgeing(const contestants_t& contestants, const extent_t& extent, figures_t& figures);
 
-/// What a release file of many lines costs, and how long grep(1) takes to look through it.
-struct long_file_t {
-    long lines;
-    samples_t milliseconds;      ///< of the start, beyond the start with the file of the package
-    samples_t peakKilobytes;     ///< of the whole program
-    samples_t grepMilliseconds;  ///< beyond the time for the file of the package
-};
-
-/// @param package with a proper release file
-/// @param longPackages the same with some thousand lines of other text in it
-std::vector<long_file_t> measureLongFiles(const std::string& package,
-                                          const std::vector<std::string>& longPackages,
-                                          const extent_t& extent);
+/// @param package the demo package
+/// @param longPackages the same with many more lines in the release file
+long_files_t measureLongFiles(const std::string& package,
+                              const std::vector<std::string>& longPackages, const extent_t& extent);

@@ -1,9 +1,40 @@
 #include "report.hpp"
 
+#include <array>
+#include <filesystem>
 #include <iomanip>
 #include <sstream>
 
 namespace {
+
+/// How a figure is shown.
+struct line_t {
+    figure_id_t figure;
+    const char* text;
+    int decimals;
+};
+
+constexpr std::array lines{
+    line_t{start_time, "start to first frame, ms", 2},
+    line_t{system_calls, "system calls to first frame", 0},
+    line_t{arrow_latency, "arrow key to redraw, us", 0},
+    line_t{arrow_latency_99, "- 99th percentile", 0},
+    line_t{digit_latency, "digit to redraw, us", 0},
+    line_t{digit_latency_99, "- 99th percentile", 0},
+    line_t{arrow_processor, "CPU time per arrow key, us", 0},
+    line_t{digit_processor, "CPU time per digit, us", 0},
+    line_t{arrow_writes, "write calls per arrow key", 0},
+    line_t{arrow_bytes, "bytes written per arrow key", 0},
+    line_t{lost_keys, "keys lost", 0},
+    line_t{peak_memory, "peak memory, kB", 0},
+    line_t{idle_menu, "idle CPU time at the menu, ms", 3},
+    line_t{idle_warning, "- at a warning", 3},
+    line_t{idle_flash, "- behind a flash", 3},
+    line_t{young_latency, "arrow key to redraw around key 1, us", 0},
+    line_t{old_latency, "- around key 500", 0},
+    line_t{young_descriptors, "open descriptors at key 1", 0},
+    line_t{old_descriptors, "- around key 500", 0},
+};
 
 std::string number(double value, int decimals) {
     std::ostringstream text;
@@ -15,8 +46,10 @@ std::string spread(const samples_t& samples, int decimals) {
     if (samples.empty()) {
         return "-";
     }
-    return number(median(samples), decimals) + " (" + number(least(samples), decimals) + " to " +
-           number(most(samples), decimals) + ")";
+    const std::string middle = number(median(samples), decimals);
+    const std::string low = number(least(samples), decimals);
+    const std::string high = number(most(samples), decimals);
+    return low == high ? middle : middle + " (" + low + " to " + high + ")";
 }
 
 std::string ratio(const samples_t& dividend, const samples_t& divisor) {
@@ -28,23 +61,49 @@ std::string ratio(const samples_t& dividend, const samples_t& divisor) {
 
 }  // namespace
 
-void printRows(std::ostream& out, const rows_t& rows, const contestants_t& contestants) {
+void printFigures(std::ostream& out, const figures_t& figures, const contestants_t& contestants) {
     out << "| median (least to most) |";
+    std::string rule = "| --- |";
     for (const contestant_t& contestant : contestants) {
         out << " " << contestant.name << " |";
+        rule += " --- |";
     }
-    for (const contestant_id_t id : {whiptail, dialog, limit}) {
+    constexpr std::array others{whiptail, dialog, limit};
+    for (const contestant_id_t id : others) {
         out << " / " << contestants.at(id).name << " |";
+        rule += " --- |";
     }
-    out << "\n| --- | --- | --- | --- | --- | --- | --- | --- |\n";
-    for (const row_t& row : rows) {
-        out << "| " << row.what << " |";
-        for (const samples_t& samples : row.samples) {
-            out << " " << spread(samples, row.decimals) << " |";
+    out << "\n" << rule << "\n";
+    for (const auto& [figure, text, decimals] : lines) {
+        const samples_by_contestant_t& samples = figures.at(figure);
+        out << "| " << text << " |";
+        for (const samples_t& each : samples) {
+            out << " " << spread(each, decimals) << " |";
         }
-        for (const contestant_id_t id : {whiptail, dialog, limit}) {
-            out << " " << ratio(row.samples.at(ours), row.samples.at(id)) << " |";
+        for (const contestant_id_t id : others) {
+            out << " " << ratio(samples.at(ours), samples.at(id)) << " |";
         }
         out << "\n";
+    }
+}
+
+void printLongFiles(std::ostream& out, const long_files_t& files) {
+    out << "| lines of the release file | added to the start, ms | grep -c, ms | / grep -c |"
+           " peak memory, kB | - with the usual file |\n"
+           "| --- | --- | --- | --- | --- | --- |\n";
+    for (const long_file_t& file : files) {
+        out << "| " << std::filesystem::path(file.package).filename().string() << " | "
+            << spread(file.milliseconds, 1) << " | " << spread(file.grepMilliseconds, 1) << " | "
+            << ratio(file.milliseconds, file.grepMilliseconds) << " | "
+            << spread(file.peakMemory, 0) << " | " << spread(file.usualMemory, 0) << " |\n";
+    }
+}
+
+void printBounds(std::ostream& out, const std::vector<bound_t>& bounds) {
+    out << "| bound | at most | measured | met | limit.c |\n| --- | --- | --- | --- | --- |\n";
+    for (const bound_t& bound : bounds) {
+        out << "| " << bound.what << " | " << number(bound.most, 2) << " | "
+            << number(bound.value, 3) << " | " << (bound.value <= bound.most ? "yes" : "no")
+            << " | " << (bound.forLimit ? number(*bound.forLimit, 3) : "-") << " |\n";
     }
 }

@@ -2,7 +2,15 @@
 
 #include <ostream>
 
-#include "measures.hpp"
+#include "bounds.hpp"
+#include "figures.hpp"
 
-/// Prints the table: by row and contestant the median, least and most, and the ratios of medians.
-void printRows(std::ostream& out, const rows_t& rows, const contestants_t& contestants);
+// The tables, as text that is read as it is and as Markdown.
+
+/// By figure and contestant the median, the least and the most, and the ratios of our median to the
+/// others'.
+void printFigures(std::ostream& out, const figures_t& figures, const contestants_t& contestants);
+
+void printLongFiles(std::ostream& out, const long_files_t& files);
+
+void printBounds(std::ostream& out, const std::vector<bound_t>& bounds);

@@ -51,6 +51,7 @@ public:
         posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, terminal.c_str(), O_RDWR, 0);
         posix_spawn_file_actions_adddup2(&actions, STDIN_FILENO, STDOUT_FILENO);
         posix_spawn_file_actions_adddup2(&actions, STDIN_FILENO, STDERR_FILENO);
+        posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
         posix_spawnattr_init(&attributes);
         posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
     }
@@ -120,6 +121,14 @@ std::optional<double> timed_session::awaitBytes(std::size_t count) {
         throw std::runtime_error("more bytes than there were at first");
     }
     return std::chrono::duration<double, std::micro>(lastByte - clockStart).count();
+}
+
+double timed_session::awaitFrame(std::size_t count) {
+    const std::optional<double> time = awaitBytes(count);
+    if (!time) {
+        throw std::runtime_error("no first frame");
+    }
+    return *time;
 }
 
 std::size_t timed_session::countBytes(int quietMilliseconds) {

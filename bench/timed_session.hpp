@@ -27,6 +27,10 @@ public:
     /// @throws std::runtime_error when there are more
     std::optional<double> awaitBytes(std::size_t count);
 
+    /// The same at the start of the program.
+    /// @throws std::runtime_error when the bytes do not come, too
+    double awaitFrame(std::size_t count);
+
     /// Waits for the first byte, and then until none comes for some time.
     /// @param quietMilliseconds this time
     /// @return how many bytes have come; 0 when none did within a second

@@ -1,0 +1,80 @@
+#include "bounds.hpp"
+
+#include <array>
+
+namespace {
+
+/// So much of the other's figure is ours at the most.
+struct ratio_bound_t {
+    const char* what;
+    figure_id_t figure;
+    contestant_id_t other;
+    double most;
+};
+
+constexpr std::array ratioBounds{
+    ratio_bound_t{"start / whiptail", start_time, whiptail, 0.5},
+    ratio_bound_t{"start / dialog", start_time, dialog, 0.5},
+    ratio_bound_t{"start / limit.c", start_time, limit, 1.15},
+    ratio_bound_t{"arrow key to redraw / whiptail", arrow_latency, whiptail, 0.5},
+    ratio_bound_t{"arrow key to redraw / dialog", arrow_latency, dialog, 0.5},
+    ratio_bound_t{"arrow key to redraw / limit.c", arrow_latency, limit, 1.5},
+    ratio_bound_t{"digit to redraw / dialog", digit_latency, dialog, 0.5},
+    ratio_bound_t{"digit to redraw / limit.c", digit_latency, limit, 1.5},
+    ratio_bound_t{"CPU time per arrow key / whiptail", arrow_processor, whiptail, 0.5},
+    ratio_bound_t{"peak memory / whiptail", peak_memory, whiptail, 0.45},
+};
+
+/// Our figure is so much at the most, with every sample.
+struct plain_bound_t {
+    const char* what;
+    figure_id_t figure;
+    double most;
+};
+
+constexpr std::array plainBounds{
+    plain_bound_t{"write calls per key", arrow_writes, 1},
+    plain_bound_t{"idle CPU time at the menu, ms", idle_menu, 1},
+    plain_bound_t{"idle CPU time at a warning, ms", idle_warning, 1},
+    plain_bound_t{"idle CPU time behind a flash, ms", idle_flash, 1},
+};
+
+double ratio(const samples_t& dividend, const samples_t& divisor) {
+    return median(dividend) / median(divisor);
+}
+
+bound_t judge(const ratio_bound_t& bound, const figures_t& figures) {
+    const samples_by_contestant_t& samples = figures.at(bound.figure);
+    const samples_t& other = samples.at(bound.other);
+    std::optional<double> forLimit;
+    if (bound.other != limit) {
+        forLimit = ratio(samples.at(limit), other);
+    }
+    return {bound.what, ratio(samples.at(ours), other), bound.most, forLimit};
+}
+
+}  // namespace
+
+std::vector<bound_t> bounds(const figures_t& figures, const long_files_t& longFiles, double lines) {
+    constexpr double mostUneven = 1.1;
+    std::vector<bound_t> all;
+    for (const ratio_bound_t& bound : ratioBounds) {
+        all.push_back(judge(bound, figures));
+    }
+    for (const auto& [what, figure, greatest] : plainBounds) {
+        all.push_back({what, most(figures.at(figure).at(ours)), greatest, std::nullopt});
+    }
+    const samples_t& young = figures.at(young_latency).at(ours);
+    const samples_t& old = figures.at(old_latency).at(ours);
+    all.push_back({"key 500 to redraw / key 1", ratio(old, young), mostUneven, std::nullopt});
+    const long_file_t& shorter = longFiles.at(0);
+    const long_file_t& longer = longFiles.at(1);
+    all.push_back({"time per line of the longer release file / of the shorter",
+                   ratio(longer.milliseconds, shorter.milliseconds) / lines, mostUneven,
+                   std::nullopt});
+    all.push_back({"peak memory with the longer release file / without",
+                   ratio(longer.peakMemory, shorter.usualMemory), mostUneven, std::nullopt});
+    all.push_back({"time for the longer release file / grep -c",
+                   ratio(longer.milliseconds, longer.grepMilliseconds), 2, std::nullopt});
+    return all;
+}

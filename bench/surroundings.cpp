@@ -1,0 +1,26 @@
+#include "surroundings.hpp"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+surroundings::surroundings(std::int64_t releaseLines) : terminal(25, 80) {
+    std::string text = "VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=RX 2540\nIMAGE_NAME=fw.bin\n";
+    for (std::int64_t line = 0; line < releaseLines; ++line) {
+        text += "NOTE_" + std::to_string(line) + "=what this release changes\n";
+    }
+    package.write("releasefile-information.txt", text);
+    package.write("fw.bin", "image\n");
+    std::filesystem::create_symlink("/bin/true", "varnflash");
+    setenv("TERM", "linux", 1);
+    dup2(terminal.slave(), STDIN_FILENO);
+}
+
+void surroundings::type(std::string_view key) const {
+    if (write(terminal.master(), key.data(), key.size()) != static_cast<ssize_t>(key.size())) {
+        throw std::runtime_error("cannot type");
+    }
+}
