@@ -41,8 +41,9 @@ double key_script::press(timed_session& session, std::size_t index) {
 }
 
 std::vector<std::string> arrowKeys() {
-    std::vector<std::string> keys(6, "\x1b[B");
-    keys.insert(keys.end(), 6, "\x1b[A");
+    constexpr std::size_t lines = 6;
+    std::vector<std::string> keys(lines, "\x1b[B");
+    keys.insert(keys.end(), lines, "\x1b[A");
     return keys;
 }
 

@@ -1,6 +1,6 @@
-#include <poll.h>
-
+#include <chrono>
 #include <list>
+#include <thread>
 
 #include "measures.hpp"
 #include "process_figures.hpp"
@@ -9,6 +9,7 @@
 namespace {
 
 constexpr int quiet = 200;  // milliseconds
+constexpr double nanosecondsPerMillisecond = 1e6;
 
 /// A session that waits in some state.
 struct waiter_t {
@@ -42,9 +43,10 @@ void measureIdle(const contestants_t& contestants, const extent_t& extent, figur
     for (waiter_t& waiter : waiters) {
         waiter.timeBefore = processorTime(waiter.session.process());
     }
-    poll(nullptr, 0, extent.idleSeconds * 1000);
+    std::this_thread::sleep_for(std::chrono::seconds(extent.idleSeconds));
     for (const waiter_t& waiter : waiters) {
         const auto time = processorTime(waiter.session.process()) - waiter.timeBefore;
-        figures[waiter.figure].at(waiter.id).push_back(static_cast<double>(time) / 1e6);
+        figures[waiter.figure].at(waiter.id).push_back(static_cast<double>(time) /
+                                                       nanosecondsPerMillisecond);
     }
 }

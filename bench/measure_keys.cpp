@@ -7,6 +7,9 @@
 
 namespace {
 
+constexpr double nanosecondsPerMicrosecond = 1000;
+constexpr double rareLatency = 99;  // percent of the keys that are no slower
+
 /// What the keys of one kind cost.
 struct key_costs_t {
     samples_by_contestant_t latency;
@@ -39,7 +42,8 @@ public:
         const auto since = [](std::int64_t before, std::int64_t now) {
             return static_cast<double>(now - before);
         };
-        costs.processorTime.at(id).push_back(since(timeBefore, processorTime(process)) / 1000);
+        costs.processorTime.at(id).push_back(since(timeBefore, processorTime(process)) /
+                                             nanosecondsPerMicrosecond);
         costs.writes.at(id).push_back(since(writesBefore, writeCalls(process)));
         costs.bytes.at(id).push_back(since(bytesBefore, writtenBytes(process)));
     }
@@ -99,7 +103,7 @@ samples_by_contestant_t percentiles(const samples_by_contestant_t& samples, doub
 void measureKeys(const contestants_t& contestants, const extent_t& extent, figures_t& figures) {
     const key_costs_t arrows = play(contestants, arrowKeys(), false, extent);
     figures[arrow_latency] = arrows.latency;
-    figures[arrow_latency_99] = percentiles(arrows.latency, 99, extent.keys);
+    figures[arrow_latency_99] = percentiles(arrows.latency, rareLatency, extent.keys);
     figures[arrow_processor] = arrows.processorTime;
     figures[arrow_writes] = arrows.writes;
     figures[arrow_bytes] = arrows.bytes;
@@ -107,6 +111,6 @@ void measureKeys(const contestants_t& contestants, const extent_t& extent, figur
     figures[peak_memory] = arrows.peakMemory;
     const key_costs_t digits = play(contestants, digitKeys(), true, extent);
     figures[digit_latency] = digits.latency;
-    figures[digit_latency_99] = percentiles(digits.latency, 99, extent.keys);
+    figures[digit_latency_99] = percentiles(digits.latency, rareLatency, extent.keys);
     figures[digit_processor] = digits.processorTime;
 }

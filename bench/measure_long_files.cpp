@@ -1,5 +1,3 @@
-#include <stdexcept>
-
 #include "key_script.hpp"
 #include "measures.hpp"
 #include "process_figures.hpp"
@@ -26,10 +24,10 @@ struct reading_t {
 
 reading_t read(const std::string& package, std::size_t frame) {
     timed_session tool(makeOurs(package));
-    const double time = tool.awaitFrame(frame);
+    const double milliseconds = tool.awaitFrame(frame);
     const auto memory = static_cast<double>(peakMemory(tool.process()));
     timed_session grep(makeGrep(package));
-    return {time / 1000, grep.awaitFrame(grepBytes) / 1000, memory};
+    return {milliseconds, grep.awaitFrame(grepBytes), memory};
 }
 
 }  // namespace

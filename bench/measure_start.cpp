@@ -1,5 +1,3 @@
-#include <stdexcept>
-
 #include "key_script.hpp"
 #include "measures.hpp"
 #include "timed_session.hpp"
@@ -12,8 +10,7 @@ void measureStart(const contestants_t& contestants, const extent_t& extent, figu
     for (std::size_t round = 0; round < extent.starts; ++round) {
         for (std::size_t id = 0; id < contestant_count; ++id) {
             timed_session session(contestants.at(id));
-            const double microseconds = session.awaitFrame(frames.at(id));
-            figures[start_time].at(id).push_back(microseconds / 1000);
+            figures[start_time].at(id).push_back(session.awaitFrame(frames.at(id)));
         }
     }
 }

@@ -6,10 +6,10 @@
 // tool, SHORTER and LONGER the same with many more lines in the release file: their names are the
 // numbers of these lines. --once measures next to nothing: it shows that the bench works.
 
-#include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <iostream>
+#include <string>
 #include <vector>
 
 #include "bounds.hpp"
@@ -36,7 +36,7 @@ constexpr extent_t once{.starts = 1,
                         .longFileReads = 1};
 
 double linesOf(const std::string& package) {
-    return std::atof(std::filesystem::path(package).filename().c_str());
+    return std::stod(std::filesystem::path(package).filename());
 }
 
 void race(const std::vector<std::string>& words, const extent_t& extent) {

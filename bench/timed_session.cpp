@@ -18,7 +18,9 @@ namespace {
 
 constexpr int rows = 25;
 constexpr int columns = 80;
+constexpr double microsecondsPerMillisecond = 1000;
 constexpr int patienceMilliseconds = 1000;
+constexpr std::size_t mostBytesAtOnce = 16'384;
 constexpr std::chrono::milliseconds pauseBeforeKey(3);
 
 std::string variable(const char* name) {
@@ -102,7 +104,7 @@ std::size_t timed_session::readSome(int milliseconds) {
     if (poll(&waiting, 1, milliseconds) <= 0) {
         return 0;
     }
-    std::array<char, 16384> bytes;
+    std::array<char, mostBytesAtOnce> bytes;
     const ssize_t count = read(pty.master(), bytes.data(), bytes.size());
     lastByte = std::chrono::steady_clock::now();
     return count < 0 ? 0 : static_cast<std::size_t>(count);
@@ -128,7 +130,7 @@ double timed_session::awaitFrame(std::size_t count) {
     if (!time) {
         throw std::runtime_error("no first frame");
     }
-    return *time;
+    return *time / microsecondsPerMillisecond;
 }
 
 std::size_t timed_session::countBytes(int quietMilliseconds) {

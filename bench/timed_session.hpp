@@ -23,11 +23,11 @@ public:
 
     /// Waits for so many bytes.
     /// @return microseconds from the start of the clock to the last of them; nothing when they have
-    /// not come within a second
+    /// not come, and none has for a second
     /// @throws std::runtime_error when there are more
     std::optional<double> awaitBytes(std::size_t count);
 
-    /// The same at the start of the program.
+    /// The same at the start of the program, in milliseconds.
     /// @throws std::runtime_error when the bytes do not come, too
     double awaitFrame(std::size_t count);
 
