@@ -25,7 +25,7 @@ constexpr std::array lines{
     line_t{digit_processor, "CPU time per digit, us", 0},
     line_t{arrow_writes, "write calls per arrow key", 0},
     line_t{arrow_bytes, "bytes written per arrow key", 0},
-    line_t{lost_keys, "keys lost", 0},
+    line_t{lost_keys, "arrow keys lost", 0},
     line_t{peak_memory, "peak memory, kB", 0},
     line_t{idle_menu, "idle CPU time at the menu, ms", 3},
     line_t{idle_warning, "- at a warning", 3},
