@@ -124,6 +124,7 @@ menu_item_t gui::selectFrom(menu_elem_t& menu) {
     }
     numberLines(menu);
     composeHeader(menu);
+    shownWidth = menuWidth(menu);
     drawLines(menu);
     return readSelection(menu);
 }
@@ -152,7 +153,7 @@ void gui::redrawLines(const menu_elem_t& menu) {
     const auto count = static_cast<int>(menu.lines.size());
     const window_size_t window = windowSize();
     const bool highEnough = window.rows == 0 || count < window.rows;
-    const bool wideEnough = window.columns == 0 || menuWidth(menu) < window.columns;
+    const bool wideEnough = window.columns == 0 || shownWidth < window.columns;
     if (highEnough && wideEnough) {
         cursorUp(count);
     } else {
@@ -172,15 +173,17 @@ void gui::drawLines(const menu_elem_t& menu) {
 }
 
 void gui::drawLine(const menu_elem_t& menu, menu_item_t item, const menu_line_t& line) {
-    std::string text = line.text;
+    decorate(*this, line);
+    std::string text = numberPrefix(line);
+    if (item == menu.selected && line.selectable != 0) {
+        text += highlight(line.text);
+    } else {
+        text += line.text;
+    }
     if (line.prompt != 0) {
         text += promptNumber(menu);
     }
-    if (item == menu.selected && line.selectable != 0) {
-        text = highlight(text);
-    }
-    decorate(*this, line);
-    print(numberPrefix(line) + text + "\n");
+    print(text += '\n');
     screenCommand(screen_reset_attributes);
 }
 

@@ -2,6 +2,18 @@
 
 #include <algorithm>
 
+namespace {
+
+std::string greatestNumber(const menu_elem_t& menu) {
+    std::int32_t greatest = 0;
+    for (const auto& [item, line] : menu.lines) {
+        greatest = std::max(greatest, line.shownNumber);
+    }
+    return std::to_string(greatest);
+}
+
+}  // namespace
+
 void numberLines(menu_elem_t& menu) {
     std::int32_t number = 0;
     for (auto& [item, line] : menu.lines) {
@@ -53,12 +65,8 @@ std::string promptNumber(const menu_elem_t& menu) {
     if (!isSelectable(menu, menu.selected)) {
         return "";
     }
-    std::int32_t greatest = 0;
-    for (const auto& [item, line] : menu.lines) {
-        greatest = std::max(greatest, line.shownNumber);
-    }
     std::string number = std::to_string(menu.lines.at(menu.selected).shownNumber);
-    number.resize(std::to_string(greatest).size(), ' ');
+    number.resize(greatestNumber(menu).size(), ' ');
     return number;
 }
 
@@ -70,7 +78,7 @@ int menuWidth(const menu_elem_t& menu) {
     };
     int widest = 0;
     for (const auto& [item, line] : menu.lines) {
-        const std::string number = line.prompt != 0 ? promptNumber(menu) : numberPrefix(line);
+        const std::string number = line.prompt != 0 ? greatestNumber(menu) : numberPrefix(line);
         widest = std::max(widest, columns(number) + columns(line.text));
     }
     return widest;

@@ -53,6 +53,6 @@ std::string numberPrefix(const menu_line_t& line);
 /// the menu's greatest one so that it covers what it replaces; empty while nothing is highlighted
 std::string promptNumber(const menu_elem_t& menu);
 
-/// @return the columns that the widest line takes; no less than it really takes, as every byte
-/// counts for one and a tab for eight
+/// @return the columns that the widest line takes, whatever is highlighted; no less than it really
+/// takes, as every byte counts for one and a tab for eight
 int menuWidth(const menu_elem_t& menu);

@@ -4,8 +4,10 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <stdexcept>
 
 #include "term/terminal_guard.hpp"
@@ -56,6 +58,12 @@ termios rawAttributes(termios attributes) {
     attributes.c_cc[VTIME] = 0;
     attributes.c_cc[VMIN] = 0;
     return attributes;
+}
+
+bool isSameMode(const termios& one, const termios& other) {
+    return one.c_iflag == other.c_iflag && one.c_oflag == other.c_oflag &&
+           one.c_cflag == other.c_cflag && one.c_lflag == other.c_lflag &&
+           std::equal(std::begin(one.c_cc), std::end(one.c_cc), std::begin(other.c_cc));
 }
 
 bool takeTerminal() {
@@ -138,6 +146,7 @@ void termcurses::initTermcurses() {
 }
 
 void termcurses::initSequences() {
+    numbered.clear();
     sequences = capabilityNames();
     for (auto& [id, text] : sequences) {
         if (!text.empty()) {
@@ -146,6 +155,15 @@ void termcurses::initSequences() {
     }
     sequences.at(cap_key_up_alternative) = alternative(sequences.at(cap_key_up));
     sequences.at(cap_key_down_alternative) = alternative(sequences.at(cap_key_down));
+}
+
+const std::string& termcurses::withNumber(std::uint32_t capability, std::int32_t number) {
+    auto known = numbered.find({capability, number});
+    if (known == numbered.end()) {
+        std::string sequence = parameterise(sequences.at(capability), number);
+        known = numbered.emplace(std::pair(capability, number), std::move(sequence)).first;
+    }
+    return known->second;
 }
 
 void termcurses::screenCommand(std::int32_t command) {
@@ -163,13 +181,9 @@ void termcurses::screenCommand(std::int32_t command) {
     }
 }
 
-void termcurses::setForeground(std::int32_t colour) {
-    print(parameterise(sequences.at(cap_foreground), colour));
-}
+void termcurses::setForeground(std::int32_t colour) { print(withNumber(cap_foreground, colour)); }
 
-void termcurses::setBackground(std::int32_t colour) {
-    print(parameterise(sequences.at(cap_background), colour));
-}
+void termcurses::setBackground(std::int32_t colour) { print(withNumber(cap_background, colour)); }
 
 void termcurses::setBold() { print(sequences.at(cap_bold)); }
 
@@ -179,7 +193,7 @@ std::string termcurses::highlight(const std::string& text) const {
 
 void termcurses::cursorUp(std::int32_t count) {
     print(sequences.at(cap_save_cursor) + sequences.at(cap_carriage_return));
-    print(parameterise(sequences.at(cap_cursor_up), count));
+    print(withNumber(cap_cursor_up, count));
 }
 
 std::string termcurses::keySequence(std::uint32_t key) const {
@@ -229,7 +243,10 @@ void termcurses::setMode(std::uint32_t mode) {
 
 void termcurses::resumeMode() {
     const termios raw = rawAttributes(savedAttributes);
-    tcsetattr(STDIN_FILENO, TCSANOW, &raw);
+    termios current{};
+    if (tcgetattr(STDIN_FILENO, &current) == 0 && !isSameMode(current, raw)) {
+        tcsetattr(STDIN_FILENO, TCSANOW, &raw);
+    }
 }
 
 window_size_t termcurses::windowSize() {

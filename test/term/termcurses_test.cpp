@@ -221,6 +221,35 @@ TEST(TermcursesMode, ResumesTheRawModeAndKeepsWhatIsGivenBack) {
     EXPECT_TRUE(session.terminal().isCooked());
 }
 
+// Each part of the mode by itself.
+TEST(TermcursesMode, ResumesWhateverHasChanged) {
+    terminal_session session([] {
+        useTerminal("linux");
+        termcurses terminal;
+        termios own{};
+        tcgetattr(STDIN_FILENO, &own);
+        const auto isResumedBehind = [&own](const std::function<void(termios&)>& change) {
+            termios changed = own;
+            change(changed);
+            tcsetattr(STDIN_FILENO, TCSANOW, &changed);
+            termcurses::resumeMode();
+            termios now{};
+            tcgetattr(STDIN_FILENO, &now);
+            return now.c_iflag == own.c_iflag && now.c_oflag == own.c_oflag &&
+                   now.c_cflag == own.c_cflag && now.c_lflag == own.c_lflag &&
+                   now.c_cc[VMIN] == own.c_cc[VMIN];
+        };
+        std::string resumed;
+        resumed += isResumedBehind([](termios& mode) { mode.c_iflag ^= ICRNL; }) ? 'i' : '-';
+        resumed += isResumedBehind([](termios& mode) { mode.c_oflag ^= ONLCR; }) ? 'o' : '-';
+        resumed += isResumedBehind([](termios& mode) { mode.c_cflag ^= CSTOPB; }) ? 'c' : '-';
+        resumed += isResumedBehind([](termios& mode) { mode.c_lflag ^= ECHO; }) ? 'l' : '-';
+        resumed += isResumedBehind([](termios& mode) { mode.c_cc[VMIN] = 5; }) ? 'k' : '-';
+        return resumed;
+    });
+    EXPECT_EQ("ioclk", session.result());
+}
+
 TEST(TermcursesWindow, HasTheSizeOfTheTerminal) {
     terminal_session session(
         [] {
