@@ -27,7 +27,9 @@ screen_watch::~screen_watch() {
 }
 
 bool screen_watch::hasChanged() {
-    const bool result = changed != 0;
+    if (changed == 0) {
+        return false;  // and what comes in from here on is left to the next call
+    }
     changed = 0;
-    return result;
+    return true;
 }
