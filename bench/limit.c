@@ -222,7 +222,9 @@ static bool takeKey(const char* key, size_t length) {
 static void showMenu(void) {
     put(sequence.clear);
     put(sequence.hide);
+    put(sequence.reset);
     put(sequence.clear);
+    put(sequence.hide);
     for (bool goesOn = drawMenu(); goesOn;) {
         char key[64];
         while (read(STDIN_FILENO, key, sizeof key) > 0) {

@@ -132,6 +132,15 @@ TEST_F(start_test, AsksTheCoreProgramFirst) {
     EXPECT_EQ(std::set<int>{}, run.blockedSignals);
 }
 
+TEST_F(start_test, TakesTheScreenBackFromTheQuestion) {
+    startMenu();
+    const std::string menu = session->screen().picture();
+    package.let("varnflash", R"(print \033[41m\033[?25h)");
+    startMenu();
+    EXPECT_EQ(menu, session->screen().picture());
+    EXPECT_FALSE(session->screen().isCursorVisible());
+}
+
 TEST_F(start_test, ShowsReleaseValuesAsTheyAre) {
     package.write("releasefile-information.txt",
                   "VARN_RELEASE=\"9.99 rc\"\r\nSDR_RELEASE=%d\r\nSYSTEM=X  Y\r\nIMAGE_NAME=fw.bin");

@@ -83,6 +83,30 @@ TEST(TermcursesSequences, AreReachedWithACheck) {
               }));
 }
 
+TEST(TermcursesSequences, AreReachedWithACheckBehindTheirFirstUse) {
+    EXPECT_EQ("out of range", on("linux", [](termcurses& terminal) -> std::string {
+                  terminal.setForeground(1);
+                  terminal.sequences.erase(3);
+                  try {
+                      terminal.setForeground(1);
+                  } catch (const std::out_of_range&) {
+                      return "out of range";
+                  }
+                  return "printed";
+              }));
+}
+
+TEST(TermcursesSequences, AreParameterisedAsSetBehindTheirFirstUse) {
+    EXPECT_EQ("\x1b[31m(1)(4)", printed([](termcurses& terminal) {
+                  terminal.setForeground(1);
+                  terminal.parameterise = [](const std::string&, std::int32_t number) {
+                      return "(" + std::to_string(number) + ")";
+                  };
+                  terminal.setForeground(1);
+                  terminal.setBackground(4);
+              }));
+}
+
 TEST(TermcursesPrint, RefusesAnEmptySequenceEvenWhenSilent) {
     EXPECT_EQ("Cannot print terminal line", on("linux", [](termcurses& terminal) {
                   terminal.silent = true;
@@ -262,5 +286,7 @@ TEST(TermcursesWindow, HasTheSizeOfTheTerminal) {
 
 TEST(TermcursesWindow, IsUnknownWithoutATerminal) {
     const captured_output output;
-    EXPECT_EQ(window_size_t{}, termcurses::windowSize());
+    const window_size_t size = termcurses::windowSize();
+    EXPECT_EQ(0, size.rows);
+    EXPECT_EQ(0, size.columns);
 }
