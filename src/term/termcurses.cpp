@@ -124,8 +124,13 @@ void termcurses::initTermcurses() {
             throw std::runtime_error("Cannot print terminal line");
         }
     };
-    parameterise = [](const std::string& sequence, std::int32_t number) {
-        return substituted(sequence, number);
+    parameterise = [this](const std::string& sequence, std::int32_t number) {
+        auto known = substitutions.find({sequence, number});
+        if (known == substitutions.end()) {
+            std::string made = substituted(sequence, number);
+            known = substitutions.emplace(std::pair(sequence, number), std::move(made)).first;
+        }
+        return known->second;
     };
     lookUp = [](const std::string& name) { return stringCapability(name); };
     alternative = [](const std::string& sequence) { return otherCursorKeyForm(sequence); };
@@ -146,7 +151,6 @@ void termcurses::initTermcurses() {
 }
 
 void termcurses::initSequences() {
-    numbered.clear();
     sequences = capabilityNames();
     for (auto& [id, text] : sequences) {
         if (!text.empty()) {
@@ -155,15 +159,6 @@ void termcurses::initSequences() {
     }
     sequences.at(cap_key_up_alternative) = alternative(sequences.at(cap_key_up));
     sequences.at(cap_key_down_alternative) = alternative(sequences.at(cap_key_down));
-}
-
-const std::string& termcurses::withNumber(std::uint32_t capability, std::int32_t number) {
-    auto known = numbered.find({capability, number});
-    if (known == numbered.end()) {
-        std::string sequence = parameterise(sequences.at(capability), number);
-        known = numbered.emplace(std::pair(capability, number), std::move(sequence)).first;
-    }
-    return known->second;
 }
 
 void termcurses::screenCommand(std::int32_t command) {
@@ -181,9 +176,13 @@ void termcurses::screenCommand(std::int32_t command) {
     }
 }
 
-void termcurses::setForeground(std::int32_t colour) { print(withNumber(cap_foreground, colour)); }
+void termcurses::setForeground(std::int32_t colour) {
+    print(parameterise(sequences.at(cap_foreground), colour));
+}
 
-void termcurses::setBackground(std::int32_t colour) { print(withNumber(cap_background, colour)); }
+void termcurses::setBackground(std::int32_t colour) {
+    print(parameterise(sequences.at(cap_background), colour));
+}
 
 void termcurses::setBold() { print(sequences.at(cap_bold)); }
 
@@ -193,7 +192,7 @@ std::string termcurses::highlight(const std::string& text) const {
 
 void termcurses::cursorUp(std::int32_t count) {
     print(sequences.at(cap_save_cursor) + sequences.at(cap_carriage_return));
-    print(withNumber(cap_cursor_up, count));
+    print(parameterise(sequences.at(cap_cursor_up), count));
 }
 
 std::string termcurses::keySequence(std::uint32_t key) const {

@@ -24,8 +24,6 @@ enum screen_command_t : std::int32_t {
 struct window_size_t {
     int rows = 0;
     int columns = 0;
-
-    bool operator==(const window_size_t&) const = default;
 };
 
 /// The user's terminal: its raw keyboard mode and its control sequences as terminfo(5) has them.
@@ -111,8 +109,6 @@ public:
     std::function<void(const std::string&)> print;
 
 private:
-    const std::string& withNumber(std::uint32_t capability, std::int32_t number);
-
     /// What parameterise has made so far: every drawing needs the same few once more.
-    std::map<std::pair<std::uint32_t, std::int32_t>, std::string> numbered;
+    std::map<std::pair<std::string, std::int32_t>, std::string> substitutions;
 };
