@@ -61,7 +61,6 @@ private:
     bool isExitSelected() const;
 
     bool evalMode;
-    int shownWidth = 0;           ///< in columns, of the menu that is on the screen
-    std::string warning;          ///< what is shown below the menu; empty at the menu itself
-    bool screenIsForeign = true;  ///< a child program may have drawn on it since
+    int shownWidth = 0;   ///< in columns, of the menu that is on the screen
+    std::string warning;  ///< what is shown below the menu; empty at the menu itself
 };

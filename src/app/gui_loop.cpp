@@ -99,29 +99,22 @@ bool gui::repaint() {
     return true;
 }
 
-/// Clears what somebody else has drawn, who may have left the terminal in any colour and with its
-/// cursor in sight.
+/// Clears what somebody else may have drawn, who may have left the terminal in any colour and with
+/// its cursor in sight.
 void gui::takeScreen() {
     screenCommand(screen_reset_attributes);  // or the terminal would clear in that colour
     screenCommand(screen_clear);
     screenCommand(screen_hide_cursor);
-    screenIsForeign = false;
 }
 
 void gui::showMenuOnce() {
     menu_elem_t& menu = menus.at(currentMenu);
-    const menu_item_t item = selectFrom(menu);
-    screenIsForeign = true;  // a child program may draw on it now
-    menu.callback(item);
+    menu.callback(selectFrom(menu));
 }
 
 menu_item_t gui::selectFrom(menu_elem_t& menu) {
     const screen_watch changes;
-    if (screenIsForeign) {
-        takeScreen();
-    } else {
-        screenCommand(screen_clear);
-    }
+    takeScreen();
     numberLines(menu);
     composeHeader(menu);
     shownWidth = menuWidth(menu);
