@@ -52,12 +52,3 @@ bool isAsleep(pid_t process) {
     std::getline(file, text);
     return text.find(") S ") != std::string::npos;
 }
-
-pid_t onlyChild(pid_t process) {
-    std::ifstream file(pathOf(process, "task/" + std::to_string(process) + "/children"));
-    pid_t child = 0;
-    if (!(file >> child)) {
-        throw std::runtime_error("process " + std::to_string(process) + " has no child");
-    }
-    return child;
-}

@@ -20,6 +20,3 @@ std::int64_t openDescriptors(pid_t process);
 
 /// @return true when the process waits for something
 bool isAsleep(pid_t process);
-
-/// @return the only child of the process
-pid_t onlyChild(pid_t process);
