@@ -20,8 +20,9 @@ class release_info : public virtual support {
 public:
     static const std::string releaseFilePath;
 
-    /// @throws std::invalid_argument when the file is missing, or when it does not give each of
-    /// the four values exactly once
+    /// Of several lines with a key the first one counts.
+    /// @throws std::invalid_argument when the file is missing or lacks one of the four values, when
+    /// a line follows an empty value, or when one begins with the value of an earlier line
     release_info();
 
     /// @param id one of release_id_t

@@ -10,6 +10,7 @@
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
@@ -70,6 +71,7 @@ terminal_session::~terminal_session() {
 }
 
 void terminal_session::start(const std::function<void()>& inChild) {
+    std::fflush(stdout);  // or the child would print it once more, on its terminal
     child = fork();
     if (child < 0) {
         throw std::runtime_error("fork failed");

@@ -49,6 +49,13 @@ TEST_F(package_create_test, SaysWhatItCannotTake) {
     expectNothingMade(create({"--output=fw.bin/x"}), "create: cannot make ./fw.bin/x\n");
 }
 
+TEST_F(package_create_test, AsksForTheToolWhereItIsNotBesideTheScript) {
+    const outcome_t outcome =
+        run({"create", "--image=fw.bin", "--core=tool/varnflash", "--release=2.41", "--sdr=3.07",
+             "--system=RX 2540", "--documents=.", "--output=out/varn-2.41"});
+    expectNothingMade(outcome, "create: no varnmenu beside this script; name one with --tool\n");
+}
+
 TEST_F(package_create_test, TakesNoImageWithTheNameOfAnotherFile) {
     for (const std::string name : {"readme.txt", "releasefile-information.txt", "tool"}) {
         fs::create_directories(package.root() / "images");
