@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "harness/program.hpp"
 #include "process_figures.hpp"
 
 namespace {
@@ -26,15 +27,6 @@ constexpr std::chrono::milliseconds pauseBeforeKey(3);
 std::string variable(const char* name) {
     const char* text = std::getenv(name);
     return std::string(name) + "=" + (text == nullptr ? "" : text);
-}
-
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> list;
-    for (std::string& text : texts) {
-        list.push_back(text.data());
-    }
-    list.push_back(nullptr);
-    return list;
 }
 
 void check(int error, const std::string& what) {
@@ -78,8 +70,8 @@ timed_session::timed_session(const contestant_t& program) : pty(rows, columns) {
     const spawn_plan plan(ptsname(pty.master()), program.directory);
     std::vector<std::string> words = program.command;
     std::vector<std::string> variables{variable("PATH"), variable("HOME"), "TERM=linux"};
-    const std::vector<char*> arguments = pointers(words);
-    const std::vector<char*> environment = pointers(variables);
+    const std::vector<char*> arguments = nullTerminated(words);
+    const std::vector<char*> environment = nullTerminated(variables);
     clockStart = std::chrono::steady_clock::now();
     check(posix_spawn(&child, arguments.front(), &plan.actions, &plan.attributes, arguments.data(),
                       environment.data()),

@@ -1,7 +1,7 @@
 #include <csignal>
 #include <ostream>
 
-#include "e2e/tool_test.hpp"
+#include "harness/tool_test.hpp"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <fstream>
 
-#include "e2e/tool_test.hpp"
+#include "harness/tool_test.hpp"
 
 namespace {
 

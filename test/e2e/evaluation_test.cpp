@@ -1,6 +1,6 @@
 #include <chrono>
 
-#include "e2e/tool_test.hpp"
+#include "harness/tool_test.hpp"
 
 namespace {
 

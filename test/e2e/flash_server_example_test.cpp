@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "harness/package_folder.hpp"
+#include "harness/tool_test.hpp"
 
 namespace {
 
@@ -28,8 +29,8 @@ protected:
     static constexpr const char* example = EXAMPLES_FOLDER "/flash-server.exp";
 
     void assemble(const std::string& server = "server", const std::string& state = "step=0") {
-        const std::string command =
-            DEMO_FOLDER "/assemble " VARNMENU_PROGRAM " " + folder(server).string() + " " + state;
+        const std::string command = DEMO_FOLDER "/assemble " + programUnderTest() + " " +
+                                    folder(server).string() + " " + state;
         ASSERT_EQ(0, std::system(command.c_str()));
     }
 

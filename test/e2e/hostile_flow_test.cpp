@@ -1,4 +1,4 @@
-#include "e2e/tool_test.hpp"
+#include "harness/tool_test.hpp"
 
 namespace {
 

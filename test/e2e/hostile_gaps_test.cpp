@@ -2,7 +2,7 @@
 #include <ostream>
 #include <thread>
 
-#include "e2e/tool_test.hpp"
+#include "harness/tool_test.hpp"
 
 namespace {
 

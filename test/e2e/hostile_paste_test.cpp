@@ -6,7 +6,7 @@
 #include <random>
 #include <string_view>
 
-#include "e2e/tool_test.hpp"
+#include "harness/tool_test.hpp"
 
 namespace {
 

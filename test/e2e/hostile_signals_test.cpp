@@ -5,7 +5,7 @@
 #include <ostream>
 #include <tuple>
 
-#include "e2e/tool_test.hpp"
+#include "harness/tool_test.hpp"
 
 namespace {
 

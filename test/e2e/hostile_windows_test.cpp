@@ -3,7 +3,7 @@
 #include <ostream>
 #include <string_view>
 
-#include "e2e/tool_test.hpp"
+#include "harness/tool_test.hpp"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <cstring>
 #include <fstream>
 
-#include "e2e/tool_test.hpp"
 #include "harness/process_state.hpp"
+#include "harness/tool_test.hpp"
 
 namespace {
 

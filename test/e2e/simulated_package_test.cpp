@@ -3,7 +3,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "e2e/tool_test.hpp"
+#include "harness/tool_test.hpp"
 
 namespace {
 

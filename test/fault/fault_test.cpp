@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <ostream>
 
-#include "e2e/tool_test.hpp"
 #include "harness/process_state.hpp"
+#include "harness/tool_test.hpp"
 
 namespace {
 

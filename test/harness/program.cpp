@@ -38,7 +38,9 @@ private:
     int file;
 };
 
-std::vector<char*> pointers(std::vector<std::string>& texts) {
+}  // namespace
+
+std::vector<char*> nullTerminated(std::vector<std::string>& texts) {
     std::vector<char*> list;
     for (std::string& text : texts) {
         list.push_back(text.data());
@@ -46,8 +48,6 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     list.push_back(nullptr);
     return list;
 }
-
-}  // namespace
 
 outcome_t outcomeOf(const program_t& program) {
     const collector output;
@@ -87,7 +87,8 @@ void execute(const program_t& program) {
     // What the tests have open is not to be seen by the program.
     close_range(STDERR_FILENO + 1, ~0U, 0);
     if (chdir(program.directory.c_str()) == 0 && (program.user == 0 || setuid(program.user) == 0)) {
-        execve(program.path.c_str(), pointers(arguments).data(), pointers(environment).data());
+        execve(program.path.c_str(), nullTerminated(arguments).data(),
+               nullTerminated(environment).data());
     }
     _exit(127);
 }

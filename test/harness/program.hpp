@@ -22,6 +22,9 @@ struct outcome_t {
     std::string errors;  ///< what it wrote to standard error
 };
 
+/// @return the texts as execve(2) takes them
+std::vector<char*> nullTerminated(std::vector<std::string>& texts);
+
 /// Runs a program to its end, with nothing to read.
 outcome_t outcomeOf(const program_t& program);
 

@@ -59,7 +59,7 @@ protected:
 }  // namespace
 
 TEST_F(package_made_test, MakesAPackageThatStarts) {
-    expectMade(create({"--tool", VARNMENU_PROGRAM}));
+    expectMade(create({"--tool", programUnderTest()}));
     EXPECT_EQ(properReleaseInformation(),
               contentOf(out() / "varn-2.41/releasefile-information.txt"));
     EXPECT_EQ(0, run({"check", "out/varn-2.41"}).status);

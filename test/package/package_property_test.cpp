@@ -22,7 +22,7 @@ using texts_t = std::vector<std::string>;
 class package_maker {
 public:
     explicit package_maker(const package_folder& folder) : package(folder) {
-        fs::copy_file(VARNMENU_PROGRAM, tool(), fs::copy_options::overwrite_existing);
+        fs::copy_file(programUnderTest(), tool(), fs::copy_options::overwrite_existing);
     }
 
     /// Puts another package into the folder.

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "e2e/tool_test.hpp"
+#include "harness/tool_test.hpp"
 
 /// The packaging script, and how it is run.
 struct package_script {

@@ -1,14 +1,18 @@
-#include "e2e/tool_test.hpp"
+#include "harness/tool_test.hpp"
 
 #include <sys/wait.h>
 
 #include <cstdlib>
 #include <fstream>
 
-tool_test::tool_test() {
+std::string programUnderTest() {
     // The packaged one in script/check-dist, one below valgrind in script/check-valgrind.
     const char* other = std::getenv("VARNMENU_PROGRAM");
-    program.path = other == nullptr ? VARNMENU_PROGRAM : other;
+    return other == nullptr ? VARNMENU_PROGRAM : other;
+}
+
+tool_test::tool_test() {
+    program.path = programUnderTest();
     program.arguments = {"/opt/package/varnmenu"};
     program.environment = {{"PATH", package.programs().string()},
                            {"TERM", "xterm"},

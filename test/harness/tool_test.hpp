@@ -9,6 +9,9 @@
 #include "harness/package_folder.hpp"
 #include "harness/terminal_session.hpp"
 
+/// @return the path of the built program that the tests run
+std::string programUnderTest();
+
 /// The built program in a package of stand-ins, on a terminal of its own.
 class tool_test : public testing::Test {
 protected:
