@@ -62,7 +62,7 @@ release_info::release_info()
     if (!infoFileExists()) {
         throw std::invalid_argument("Info file is missing");
     }
-    if (readInfoFile() != static_cast<int>(store.size()) || !everyKeyInItsPlace) {
+    if (readInfoFile() != static_cast<int>(store.size())) {
         throw std::invalid_argument("Info file has not all needed data or provided is not proper");
     }
 }
@@ -78,25 +78,23 @@ const std::string& release_info::getInfo(int id) const {
 bool release_info::infoFileExists() { return fileExists(releaseFilePath); }
 
 int release_info::readInfoFile() {
-    std::set<std::int32_t> taken;
-    int matched = 0;
-    bool anyEmpty = false;
+    std::set<std::int32_t> matched;
     line_reader file(releaseFilePath);
     while (file.next()) {
-        everyKeyInItsPlace = everyKeyInItsPlace && !anyEmpty;
         for (const auto id : matchOrder) {
             std::string& text = store.at(id);
             if (file.line.starts_with(text)) {
-                std::string value(file.line.substr(text.size()));
-                removeQuotes(value);
-                removeLineEnds(value);
-                text = value;
-                ++matched;
-                anyEmpty = anyEmpty || value.empty();
-                everyKeyInItsPlace = taken.insert(id).second && everyKeyInItsPlace;
+                text = file.line.substr(text.size());
+                removeQuotes(text);
+                removeLineEnds(text);
+                // A second match is one of the value, not of the key; and an empty value matches
+                // whatever line comes next.
+                if (!matched.insert(id).second || (text.empty() && file.next())) {
+                    return 0;
+                }
                 break;
             }
         }
     }
-    return matched;
+    return static_cast<int>(matched.size());
 }

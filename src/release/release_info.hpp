@@ -33,13 +33,11 @@ public:
 
 private:
     /// Reads the file into the store.
-    /// @return how many lines matched an entry; 0 for a file that cannot be read
+    /// @return how many lines matched an entry; 0 for a file that cannot be read, and for one with
+    /// a line that would be taken for another's value
     int readInfoFile();
 
     /// By id: at first the key that a line begins with, from the matching line on its value. Later
     /// lines are compared with the value, so that a key's first line is the one that counts.
     std::unordered_map<std::int32_t, std::string> store;
-
-    /// False once an entry has taken a line that is not its own: one that begins with its value.
-    bool everyKeyInItsPlace = true;
 };
