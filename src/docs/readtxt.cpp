@@ -49,14 +49,15 @@ readtxt::readtxt(bool evaluate, const std::vector<std::pair<int, int>>& readme,
     }
 }
 
-void readtxt::showText(int menuItem, text_kind_t kind) {
+void readtxt::showText(int menuItem, int kind) {
     switch (kind) {
         case text_readme:
             return showDocument(menuItem, readmeMap);
         case text_legal:
             return showDocument(menuItem, legalMap);
+        default:
+            throw std::runtime_error("Read file type not supported");
     }
-    throw std::runtime_error("Read file type not supported");
 }
 
 void readtxt::showDocument(int menuItem,

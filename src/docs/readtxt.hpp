@@ -33,8 +33,9 @@ public:
             const std::vector<std::pair<int, int>>& legal);
 
     /// Shows the document that the menu item has in the map of this kind.
-    /// @throws std::runtime_error for an unknown kind, or as showDocument
-    void showText(int menuItem, text_kind_t kind);
+    /// @param kind one of text_kind_t
+    /// @throws std::runtime_error for any other kind, or as showDocument
+    void showText(int menuItem, int kind);
 
     /// @throws std::runtime_error when the menu item has no document, its file is missing, or no
     /// reader program can be found or run

@@ -16,7 +16,7 @@ class readtxt_test : public testing::Test {
 protected:
     /// Shows a document, ENTER being pressed for readers that ask for it.
     /// @return the command lines run for it
-    lines_t shown(int menuItem, text_kind_t kind) {
+    lines_t shown(int menuItem, int kind) {
         readtxt texts(evaluate, readmePairs, legalPairs);
         const typed_input enter("\n");
         captured_output output;
@@ -28,7 +28,7 @@ protected:
         return lines;
     }
 
-    static std::string failure(int menuItem, text_kind_t kind, const pairs_t& legal = legalPairs) {
+    static std::string failure(int menuItem, int kind, const pairs_t& legal = legalPairs) {
         readtxt texts(false, readmePairs, legal);
         return thrown<std::runtime_error>([&] { texts.showText(menuItem, kind); });
     }
@@ -89,7 +89,7 @@ TEST_F(readtxt_test, SaysWhenTheDocumentIsMissing) {
 }
 
 TEST_F(readtxt_test, RefusesUnknownKindsItemsAndDocuments) {
-    EXPECT_EQ("Read file type not supported", failure(6, static_cast<text_kind_t>(2)));
+    EXPECT_EQ("Read file type not supported", failure(2, 2));
     EXPECT_EQ("Text file not supported", failure(2, text_readme));
     EXPECT_EQ("Text file not supported", failure(8, text_legal));
     EXPECT_EQ("Text file is not defined", failure(2, text_legal, {{2, 7}}));
