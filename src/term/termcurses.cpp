@@ -124,13 +124,8 @@ void termcurses::initTermcurses() {
             throw std::runtime_error("Cannot print terminal line");
         }
     };
-    parameterise = [this](const std::string& sequence, std::int32_t number) {
-        auto known = substitutions.find({sequence, number});
-        if (known == substitutions.end()) {
-            std::string made = substituted(sequence, number);
-            known = substitutions.emplace(std::pair(sequence, number), std::move(made)).first;
-        }
-        return known->second;
+    parameterise = [](const std::string& sequence, std::int32_t number) {
+        return substituted(sequence, number);
     };
     lookUp = [](const std::string& name) { return stringCapability(name); };
     alternative = [](const std::string& sequence) { return otherCursorKeyForm(sequence); };

@@ -2,10 +2,8 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <string>
 #include <unordered_map>
-#include <utility>
 
 enum term_init_t : int { TERM_INIT = 0, TERM_UNINIT = 1 };
 
@@ -107,8 +105,4 @@ public:
     /// Writes a sequence to standard output.
     /// @throws std::runtime_error for an empty sequence, and when it cannot be written
     std::function<void(const std::string&)> print;
-
-private:
-    /// What parameterise has made so far: every drawing needs the same few once more.
-    std::map<std::pair<std::string, std::int32_t>, std::string> substitutions;
 };
