@@ -26,6 +26,17 @@ void resetSignals() {
     }
 }
 
+/// What is opened next would otherwise become standard error: of a core program, say, the firmware
+/// image, and its messages would be written into it.
+void openStandardDescriptors() {
+    constexpr std::array modes{O_RDONLY, O_WRONLY, O_WRONLY};
+    for (int descriptor = 0; const int mode : modes) {
+        if (fcntl(descriptor++, F_GETFD) == -1) {
+            open("/dev/null", mode);  // takes the lowest number that is free: this one
+        }
+    }
+}
+
 /// A terminal that refuses to wait would drop half of a drawing.
 void makeOutputBlocking() {
     const int flags = fcntl(STDOUT_FILENO, F_GETFL);
@@ -45,6 +56,7 @@ void raiseDescriptorLimit() {
 }  // namespace
 
 void setUpProcess() {
+    openStandardDescriptors();
     resetSignals();
     raiseDescriptorLimit();
     makeOutputBlocking();

@@ -70,11 +70,24 @@ TEST(ProcessSetup, WaitsForATerminalThatIsSlowToTakeOutput) {
     EXPECT_EQ("waits", session.result());
 }
 
-TEST(ProcessSetup, DoesWithoutStandardOutput) {
-    terminal_session session([] {
-        close(STDOUT_FILENO);
-        setUpProcess();
-        return std::string("set up");
-    });
-    EXPECT_EQ("set up", session.result());
+// What is opened next is not to take the place of a standard descriptor.
+TEST(ProcessSetup, OpensTheNullDeviceWhereADescriptorIsClosed) {
+    const auto mode = [](int descriptor) {
+        const int flags = fcntl(descriptor, F_GETFL) & O_ACCMODE;
+        return std::string(flags == O_RDONLY ? "r" : flags == O_WRONLY ? "w" : "-");
+    };
+    for (int closed = 0; closed < 8; ++closed) {
+        terminal_session session([&] {
+            std::string modes;
+            for (int descriptor = 0; descriptor < 3; ++descriptor) {
+                modes += (closed >> descriptor & 1) == 0 ? "-" : descriptor == 0 ? "r" : "w";
+                if ((closed >> descriptor & 1) != 0) {
+                    close(descriptor);
+                }
+            }
+            setUpProcess();
+            return modes == mode(0) + mode(1) + mode(2) ? modes + " as expected" : modes;
+        });
+        EXPECT_TRUE(session.result().ends_with("as expected")) << closed;
+    }
 }
