@@ -37,14 +37,6 @@ void openStandardDescriptors() {
     }
 }
 
-/// A terminal that refuses to wait would drop half of a drawing.
-void makeOutputBlocking() {
-    const int flags = fcntl(STDOUT_FILENO, F_GETFL);
-    if (flags != -1 && (flags & O_NONBLOCK) != 0) {
-        fcntl(STDOUT_FILENO, F_SETFL, flags & ~O_NONBLOCK);
-    }
-}
-
 void raiseDescriptorLimit() {
     rlimit limit{};
     if (getrlimit(RLIMIT_NOFILE, &limit) == 0) {
@@ -59,7 +51,6 @@ void setUpProcess() {
     openStandardDescriptors();
     resetSignals();
     raiseDescriptorLimit();
-    makeOutputBlocking();
     std::setvbuf(stdout, outputBuffer.data(), _IOFBF, outputBuffer.size());
 }
 

@@ -1,10 +1,13 @@
 #include "term/terminal_guard.hpp"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -12,11 +15,8 @@
 
 namespace {
 
-/// The standard signals whose default action ends the process and which can be taken over.
-constexpr std::array fatalSignals{SIGHUP,  SIGINT,  SIGQUIT, SIGILL,   SIGTRAP,   SIGABRT,
-                                  SIGBUS,  SIGFPE,  SIGUSR1, SIGSEGV,  SIGUSR2,   SIGPIPE,
-                                  SIGALRM, SIGTERM, SIGXCPU, SIGXFSZ,  SIGVTALRM, SIGPROF,
-                                  SIGIO,   SIGPWR,  SIGSYS,  SIGSTKFLT};
+/// The signals whose default action does not end the process; see signal(7).
+constexpr std::array harmlessSignals{SIGCHLD, SIGCONT, SIGURG, SIGWINCH, SIGTSTP, SIGTTIN, SIGTTOU};
 
 constexpr std::size_t longestSequence = 63;
 constexpr int patienceMilliseconds = 100;
@@ -26,18 +26,39 @@ struct sequence_t {
     volatile std::sig_atomic_t length = 0;
 };
 
+/// How standard input reads keys, and whether standard output waits.
+struct terminal_mode_t {
+    termios attributes{};
+    bool isTerminal = false;
+    int outputFlags = 0;
+};
+
 // Read by the signal handlers, hence plain static storage.
-termios userAttributes{};
-volatile std::sig_atomic_t attributesKnown = 0;
+terminal_mode_t userMode{};
+volatile std::sig_atomic_t userModeKnown = 0;
 sequence_t cursorShown{};
 sequence_t cursorHidden{};
 
+/// Tells the signal handlers that what was written before is theirs to read.
+void announce(volatile std::sig_atomic_t& announced, std::size_t value) {
+    std::atomic_signal_fence(std::memory_order_release);
+    announced = static_cast<std::sig_atomic_t>(value);
+}
+
 // The functions down to restoreAndStop are safe in a signal handler.
 
-void restoreAttributes() {
-    if (attributesKnown != 0) {
-        tcsetattr(STDIN_FILENO, TCSANOW, &userAttributes);
+terminal_mode_t currentMode() {
+    terminal_mode_t mode;
+    mode.isTerminal = tcgetattr(STDIN_FILENO, &mode.attributes) == 0;
+    mode.outputFlags = fcntl(STDOUT_FILENO, F_GETFL);
+    return mode;
+}
+
+void setMode(const terminal_mode_t& mode) {
+    if (mode.isTerminal) {
+        tcsetattr(STDIN_FILENO, TCSANOW, &mode.attributes);
     }
+    fcntl(STDOUT_FILENO, F_SETFL, mode.outputFlags);
 }
 
 void writeSequence(const sequence_t& sequence) {
@@ -46,6 +67,7 @@ void writeSequence(const sequence_t& sequence) {
         return;  // nobody reads what the terminal shows
     }
     const auto length = static_cast<std::size_t>(sequence.length);
+    std::atomic_signal_fence(std::memory_order_acquire);
     if (write(STDOUT_FILENO, sequence.bytes.data(), length) < 0) {
         return;  // the terminal is gone: nobody to show a cursor to
     }
@@ -68,30 +90,37 @@ void restoreTerminal() {
     sigemptyset(&stop);
     sigaddset(&stop, SIGTTOU);
     sigprocmask(SIG_BLOCK, &stop, &previous);
-    restoreAttributes();
+    if (userModeKnown != 0) {
+        std::atomic_signal_fence(std::memory_order_acquire);
+        setMode(userMode);
+    }
     showCursor();
     sigprocmask(SIG_SETMASK, &previous, nullptr);
 }
 
-/// Restores the terminal and lets the signal have its default action once the handler returns.
+/// Restores the terminal and lets the signal have its default action once the handler returns. The
+/// cursor's sequence may go to a pipe that nobody reads: that is not what the process dies of.
 void restoreAndDie(int signal) {
-    const int number = errno;
+    std::signal(SIGPIPE, SIG_IGN);
     restoreTerminal();
     std::signal(signal, SIG_DFL);
     raise(signal);
-    errno = number;
 }
 
+/// Refused, as it should be, for SIGKILL, SIGSTOP and what the C library keeps for itself.
 void setFatalSignalAction(void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
     sigfillset(&action.sa_mask);
-    for (const int signal : fatalSignals) {
-        sigaction(signal, &action, nullptr);
+    for (int signal = 1; signal <= SIGRTMAX; ++signal) {
+        if (std::find(harmlessSignals.begin(), harmlessSignals.end(), signal) ==
+            harmlessSignals.end()) {
+            sigaction(signal, &action, nullptr);
+        }
     }
 }
 
-/// A child that runs meanwhile is waited for again behind the stop.
+/// A child that runs meanwhile is waited for again after the stop.
 void setStopSignalAction(void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
@@ -99,12 +128,11 @@ void setStopSignalAction(void (*handler)(int)) {
     sigaction(SIGTSTP, &action, nullptr);
 }
 
-/// Stops as usual, with the terminal given back meanwhile. The attributes of before come back at
-/// once; in the background that stops the process again, as it should.
+/// Stops as usual, with the terminal given back meanwhile. The mode of before comes back at once;
+/// in the background that stops the process again, as it should.
 void restoreAndStop(int signal) {
     const int number = errno;
-    termios attributes{};
-    const bool known = tcgetattr(STDIN_FILENO, &attributes) == 0;
+    const terminal_mode_t mode = currentMode();
     restoreTerminal();
     setStopSignalAction(SIG_DFL);
     raise(signal);
@@ -115,10 +143,8 @@ void restoreAndStop(int signal) {
     sigprocmask(SIG_UNBLOCK, &stop, &previous);  // stopped here
     sigprocmask(SIG_SETMASK, &previous, nullptr);
     setStopSignalAction(restoreAndStop);
-    if (known) {
-        tcsetattr(STDIN_FILENO, TCSANOW, &attributes);
-    }
-    // Not every screen is drawn anew behind a stop: what a child shows, for one, is not.
+    setMode(mode);
+    // Not every screen is drawn anew after a stop: what a child shows, for one, is not.
     writeSequence(cursorHidden);
     errno = number;
 }
@@ -134,13 +160,23 @@ void remember(sequence_t& sequence, const std::string& text) {
         }
         padding = padding && text[i] != '>';
     }
-    sequence.length = static_cast<std::sig_atomic_t>(length);
+    announce(sequence.length, length);
+}
+
+/// Output that refuses to wait would drop half of a drawing. Whoever used the terminal last may
+/// have left it so, and the shell may rely on it.
+void makeOutputWait() {
+    if ((userMode.outputFlags & O_NONBLOCK) != 0) {
+        fcntl(STDOUT_FILENO, F_SETFL, userMode.outputFlags & ~O_NONBLOCK);
+    }
 }
 
 }  // namespace
 
 terminal_guard::terminal_guard() {
-    attributesKnown = tcgetattr(STDIN_FILENO, &userAttributes) == 0 ? 1 : 0;
+    userMode = currentMode();
+    announce(userModeKnown, 1);
+    makeOutputWait();
     std::atexit(restoreTerminal);
     setFatalSignalAction(restoreAndDie);
     setStopSignalAction(restoreAndStop);
@@ -154,7 +190,7 @@ terminal_guard::~terminal_guard() {
     restoreTerminal();
     cursorShown.length = 0;
     cursorHidden.length = 0;
-    attributesKnown = 0;
+    userModeKnown = 0;
     setFatalSignalAction(SIG_DFL);
     setStopSignalAction(SIG_DFL);
 }

@@ -59,17 +59,6 @@ TEST(ProcessSetup, KeepsOutputTogetherUntilItIsFlushed) {
     EXPECT_TRUE(session.screen().contains("second"));
 }
 
-// Whoever used the terminal last may have left it so.
-TEST(ProcessSetup, WaitsForATerminalThatIsSlowToTakeOutput) {
-    terminal_session session([] {
-        const int flags = fcntl(STDOUT_FILENO, F_GETFL);
-        fcntl(STDOUT_FILENO, F_SETFL, flags | O_NONBLOCK);
-        setUpProcess();
-        return std::string(fcntl(STDOUT_FILENO, F_GETFL) == flags ? "waits" : "does not wait");
-    });
-    EXPECT_EQ("waits", session.result());
-}
-
 // What is opened next is not to take the place of a standard descriptor.
 TEST(ProcessSetup, OpensTheNullDeviceWhereADescriptorIsClosed) {
     const auto mode = [](int descriptor) {

@@ -115,8 +115,11 @@ protected:
         if (event().event == event_t::stop) {
             session->awaitScreen("Stopped");
             EXPECT_TRUE(session->terminal().isCooked());
+            EXPECT_TRUE(session->screen().isCursorVisible());
             session->type("fg\n");
             session->await([&] { return !session->terminal().isCooked(); }, "the program's mode");
+            session->await([&] { return !session->screen().isCursorVisible(); },
+                           "the cursor to be hidden");
         }
     }
 

@@ -5,15 +5,32 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "harness/terminal_session.hpp"
 #include "harness/test_surroundings.hpp"
 
 namespace {
+
+/// With this as standard output from now on.
+void becomeStandardOutput(int descriptor) {
+    dup2(descriptor, STDOUT_FILENO);
+    close(descriptor);
+}
+
+bool doesOutputWait() { return (fcntl(STDOUT_FILENO, F_GETFL) & O_NONBLOCK) == 0; }
+
+void waitForSignals() {
+    for (;;) {
+        pause();
+    }
+}
 
 /// A guarded process in raw mode with a hidden cursor, which then does something.
 std::function<std::string()> guarded(const std::function<void()>& action) {
@@ -32,12 +49,22 @@ std::function<std::string()> guarded(const std::function<void()>& action) {
 
 class terminal_guard_signal_test : public testing::TestWithParam<int> {};
 
-TEST_P(terminal_guard_signal_test, GivesTheTerminalBackAndDiesOfTheSignal) {
-    terminal_session session(guarded([] {
-        for (;;) {
-            pause();
+/// @return every signal that ends a process by default and leaves it a chance to do something
+std::vector<int> fatalSignals() {
+    const std::vector<int> others{SIGKILL, SIGSTOP, SIGTSTP, SIGTTIN, SIGTTOU,
+                                  SIGCHLD, SIGCONT, SIGURG,  SIGWINCH};
+    std::vector<int> fatal;
+    for (int signal = 1; signal <= SIGRTMAX; ++signal) {
+        const bool isTheLibrarys = signal > SIGSYS && signal < SIGRTMIN;
+        if (!isTheLibrarys && std::count(others.begin(), others.end(), signal) == 0) {
+            fatal.push_back(signal);
         }
-    }));
+    }
+    return fatal;
+}
+
+TEST_P(terminal_guard_signal_test, GivesTheTerminalBackAndDiesOfTheSignal) {
+    terminal_session session(guarded(waitForSignals));
     session.await([&] { return !session.terminal().isCooked(); }, "the raw mode");
     session.await([&] { return !session.screen().isCursorVisible(); }, "the hidden cursor");
     session.signal(GetParam());
@@ -48,10 +75,68 @@ TEST_P(terminal_guard_signal_test, GivesTheTerminalBackAndDiesOfTheSignal) {
     EXPECT_TRUE(session.screen().isCursorVisible());
 }
 
-INSTANTIATE_TEST_SUITE_P(Fatal, terminal_guard_signal_test,
-                         testing::Values(SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGABRT, SIGSEGV,
-                                         SIGPIPE, SIGUSR1, SIGPROF),
-                         [](const auto& signal) { return sigabbrev_np(signal.param); });
+INSTANTIATE_TEST_SUITE_P(Fatal, terminal_guard_signal_test, testing::ValuesIn(fatalSignals()),
+                         [](const auto& signal) {
+                             const char* name = sigabbrev_np(signal.param);
+                             return name != nullptr ? name
+                                                    : "Number" + std::to_string(signal.param);
+                         });
+
+// The cursor's sequence is written to a pipe that nobody reads; that is not what it dies of.
+TEST(TerminalGuard, DiesOfTheSignalThatWasSentAlthoughItsOutputIsABrokenPipe) {
+    terminal_session session(guarded([] {
+        std::array<int, 2> ends{};
+        if (pipe(ends.data()) == 0) {
+            close(ends[0]);
+            becomeStandardOutput(ends[1]);
+            raise(SIGTERM);
+        }
+    }));
+    const int status = session.awaitEnd();
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(SIGTERM, WTERMSIG(status));
+}
+
+// The shell shares what standard output is open as, and may rely on it.
+TEST(TerminalGuard, LetsOutputWaitUntilItEnds) {
+    terminal_session session([] {
+        fcntl(STDOUT_FILENO, F_SETFL, fcntl(STDOUT_FILENO, F_GETFL) | O_NONBLOCK);
+        std::string waits;
+        {
+            const terminal_guard guard;
+            waits = doesOutputWait() ? "waits, " : "does not wait, ";
+        }
+        return waits + (doesOutputWait() ? "waits" : "does not wait");
+    });
+    EXPECT_EQ("waits, does not wait", session.result());
+}
+
+TEST(TerminalGuard, LetsOutputBeAsItWasWhenTheProcessDies) {
+    const pseudo_terminal terminal(24, 80);
+    fcntl(terminal.slave(), F_SETFL, fcntl(terminal.slave(), F_GETFL) | O_NONBLOCK);
+    terminal_session session([&terminal] {
+        dup2(terminal.slave(), STDOUT_FILENO);
+        const terminal_guard guard;
+        if (doesOutputWait()) {
+            raise(SIGTERM);
+        }
+        return std::string();
+    });
+    EXPECT_EQ(SIGTERM, WTERMSIG(session.awaitEnd()));
+    EXPECT_NE(0, fcntl(terminal.slave(), F_GETFL) & O_NONBLOCK);
+}
+
+// A process that leads its session is not stopped, only asked to: what it does around the stop is
+// all that happens.
+TEST(TerminalGuard, LetsOutputWaitAgainAfterAStop) {
+    terminal_session session([] {
+        fcntl(STDOUT_FILENO, F_SETFL, fcntl(STDOUT_FILENO, F_GETFL) | O_NONBLOCK);
+        const terminal_guard guard;
+        raise(SIGTSTP);
+        return std::string(doesOutputWait() ? "waits" : "does not wait");
+    });
+    EXPECT_EQ("waits", session.result());
+}
 
 TEST(TerminalGuard, GivesTheTerminalBackAtExit) {
     terminal_session session(guarded([] { std::exit(3); }));
@@ -123,7 +208,7 @@ TEST(TerminalGuard, EndsThoughNobodyReadsWhatTheTerminalShows) {
     EXPECT_EQ(3, WEXITSTATUS(session.awaitEnd()));
 }
 
-TEST(TerminalGuard, LeavesSignalsTheirDefaultActionBehind) {
+TEST(TerminalGuard, LeavesSignalsTheirDefaultAction) {
     terminal_session session([] {
         { const terminal_guard guard; }
         struct sigaction action {};
