@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 
 namespace {
 
@@ -29,24 +30,21 @@ input_watch::~input_watch() {
 }
 
 bool input_watch::waitReadable(int milliseconds, const std::function<bool()>& settle) const {
-    const auto settled = [&settle] {
-        bool any = false;
-        while (settle && settle()) {
-            any = true;
-        }
-        return any;
-    };
-    settled();
+    sigset_t nothingBlocked;
+    sigemptyset(&nothingBlocked);
+    if (settle) {
+        settle();
+    }
     epoll_event event{};
     for (int interruptions = 0; interruptions < mostWaits;) {
-        const int events = epoll_wait(instance, &event, 1, milliseconds);
+        const int events = epoll_pwait(instance, &event, 1, milliseconds, &nothingBlocked);
         if (events >= 0) {
             return events == 1 && (event.events & EPOLLIN) != 0;
         }
         if (errno != EINTR) {
             break;
         }
-        if (!settled()) {
+        if (!settle || !settle()) {
             ++interruptions;
         }
     }

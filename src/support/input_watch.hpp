@@ -15,10 +15,11 @@ public:
     input_watch(const input_watch&) = delete;
     input_watch& operator=(const input_watch&) = delete;
 
+    /// A signal that the caller has blocked comes in during the wait, and only then: none is lost
+    /// between what the caller has last looked at and the wait. See epoll_pwait(2).
     /// @param milliseconds how long to wait, or noTimeLimit
-    /// @param settle called ahead of the wait and when a signal has interrupted it, until it
-    /// returns false: true when there was something to deal with, so that the interruption does
-    /// not count
+    /// @param settle called before the wait and after a signal has interrupted it. It returns true
+    /// when there was something to deal with, so that the interruption does not count.
     /// @return true when the descriptor can be read, end of file included; false when the time is
     /// over or the wait failed. A wait that a signal interrupts is repeated, up to 10 waits in all.
     bool waitReadable(int milliseconds, const std::function<bool()>& settle = {}) const;

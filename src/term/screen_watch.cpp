@@ -9,7 +9,6 @@ volatile std::sig_atomic_t changed = 0;
 void setAction(void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
-    action.sa_flags = SA_RESTART;  // a drawing is not to be cut short
     sigaction(SIGWINCH, &action, nullptr);
     sigaction(SIGCONT, &action, nullptr);
 }
@@ -17,6 +16,11 @@ void setAction(void (*handler)(int)) {
 }  // namespace
 
 screen_watch::screen_watch() {
+    sigset_t watched;
+    sigemptyset(&watched);
+    sigaddset(&watched, SIGWINCH);
+    sigaddset(&watched, SIGCONT);
+    sigprocmask(SIG_BLOCK, &watched, &previous);
     changed = 0;
     setAction([](int) { changed = 1; });
 }
@@ -24,12 +28,11 @@ screen_watch::screen_watch() {
 screen_watch::~screen_watch() {
     setAction(SIG_DFL);
     changed = 0;
+    sigprocmask(SIG_SETMASK, &previous, nullptr);
 }
 
 bool screen_watch::hasChanged() {
-    if (changed == 0) {
-        return false;  // and what comes in from here on is left to the next call
-    }
+    const bool hasIt = changed != 0;
     changed = 0;
-    return true;
+    return hasIt;
 }

@@ -6,7 +6,9 @@
 //                                 and "eof" are errors of write and read alone, "out-of-range"
 //                                 and "integer" are exceptions that waitpid throws, "stopped" is
 //                                 its report of a child that has not ended; a main that fails has
-//                                 no arguments, not even the program's own name
+//                                 no arguments, not even the program's own name; "window" and
+//                                 "continue" are signals that come in right before epoll_pwait,
+//                                 which does not fail
 //   FAULT_LOG=FILE                is created once a call has failed
 //
 // Child programs know nothing of it, as they get an environment of their own.
@@ -23,6 +25,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -38,6 +41,8 @@ constexpr int endOfFile = -3;
 constexpr int throwOutOfRange = -4;
 constexpr int throwInteger = -5;
 constexpr int stopped = -6;
+constexpr int windowSignal = -7;
+constexpr int continueSignal = -8;
 
 int releaseFile = -1;
 
@@ -69,7 +74,9 @@ int errorNumber(const char* name) {
                   {"eof", endOfFile},
                   {"out-of-range", throwOutOfRange},
                   {"integer", throwInteger},
-                  {"stopped", stopped}};
+                  {"stopped", stopped},
+                  {"window", windowSignal},
+                  {"continue", continueSignal}};
     for (const auto& error : errors) {
         if (std::strcmp(error.name, name) == 0) {
             return error.number;
@@ -136,6 +143,15 @@ int __wrap_tcgetattr(int descriptor, termios* attributes) {
 }
 
 int __real_tcsetattr(int descriptor, int actions, const termios* attributes);
+
+/// As a shell does that has had the terminal while the program was stopped.
+static void setTheShellsMode() {
+    termios attributes{};
+    __real_tcgetattr(STDIN_FILENO, &attributes);
+    attributes.c_lflag |= ICANON | ECHO | ISIG;
+    __real_tcsetattr(STDIN_FILENO, TCSANOW, &attributes);
+}
+
 int __wrap_tcsetattr(int descriptor, int actions, const termios* attributes) {
     return errorOf("tcsetattr") != 0 ? -1 : __real_tcsetattr(descriptor, actions, attributes);
 }
@@ -235,10 +251,20 @@ int __wrap_epoll_ctl(int instance, int operation, int descriptor, epoll_event* e
                                      : __real_epoll_ctl(instance, operation, descriptor, event);
 }
 
-int __real_epoll_wait(int instance, epoll_event* events, int most, int milliseconds);
-int __wrap_epoll_wait(int instance, epoll_event* events, int most, int milliseconds) {
-    return errorOf("epoll_wait") != 0 ? -1
-                                      : __real_epoll_wait(instance, events, most, milliseconds);
+int __real_epoll_pwait(int instance, epoll_event* events, int most, int milliseconds,
+                       const sigset_t* mask);
+int __wrap_epoll_pwait(int instance, epoll_event* events, int most, int milliseconds,
+                       const sigset_t* mask) {
+    const int error = errorOf("epoll_pwait");
+    if (error == windowSignal) {
+        raise(SIGWINCH);
+    } else if (error == continueSignal) {
+        setTheShellsMode();
+        raise(SIGCONT);
+    } else if (error != 0) {
+        return -1;
+    }
+    return __real_epoll_pwait(instance, events, most, milliseconds, mask);
 }
 
 int __real_nanosleep(const timespec* interval, timespec* rest);

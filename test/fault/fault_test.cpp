@@ -83,6 +83,8 @@ private:
     static constexpr int mostKeys = 40;
 };
 
+class early_signal_test : public fault_test {};
+
 class fault_row_test : public fault_test, public testing::WithParamInterface<fault_row_t> {};
 class fault_sweep_test : public fault_test, public testing::WithParamInterface<const char*> {};
 
@@ -167,9 +169,9 @@ INSTANTIATE_TEST_SUITE_P(
     Waits, fault_row_test,
     testing::Values(fault_row_t{"NoInstance", "epoll_create1:1:1:EMFILE", noInput},
                     fault_row_t{"NoRegistration", "epoll_ctl:1:1:EPERM", noInput},
-                    fault_row_t{"NineInterruptions", "epoll_wait:1:9:EINTR", normalEnd},
-                    fault_row_t{"TenInterruptions", "epoll_wait:1:10:EINTR", noInput},
-                    fault_row_t{"BadInstance", "epoll_wait:1:1:EBADF", noInput},
+                    fault_row_t{"NineInterruptions", "epoll_pwait:1:9:EINTR", normalEnd},
+                    fault_row_t{"TenInterruptions", "epoll_pwait:1:10:EINTR", noInput},
+                    fault_row_t{"BadInstance", "epoll_pwait:1:1:EBADF", noInput},
                     fault_row_t{"KeyNotRead", "read terminal:2:2:EIO", noInput},
                     fault_row_t{"KeyAtEndOfFile", "read terminal:2:2:eof", noInput},
                     fault_row_t{"TypeAheadNotRead", "read terminal:1:1:EIO", normalEnd},
@@ -185,6 +187,35 @@ INSTANTIATE_TEST_SUITE_P(
                     fault_row_t{"RedrawNotWritten", "write:3:3:EIO", cannotPrint},
                     fault_row_t{"MenuInPieces", "write:1:500:short", normalEnd}),
     [](const auto& row) { return row.param.name; });
+
+// Neither is lost when it comes in between the last look and the wait.
+TEST_F(early_signal_test, OfTheWindowDrawsTheMenuAnew) {
+    start("epoll_pwait:1:1:window");
+    const std::string title = "This tool will update";
+    session->await(
+        [&] {
+            const std::size_t first = session->output().find(title);
+            return first != std::string::npos &&
+                   session->output().find(title, first + 1) != std::string::npos;
+        },
+        "a second drawing");
+    EXPECT_TRUE(hasFailed());
+}
+
+TEST_F(early_signal_test, AfterAStopTakesTheTerminalsModeBack) {
+    package.let("varnflash", "print written");
+    for (const char* wait : {"1", "3", "4"}) {
+        package.remove("fault.log");
+        start(std::string("epoll_pwait:") + wait + ":" + wait + ":continue");
+        session->press("1");
+        session->press("\r");
+        session->awaitScreen("written");
+        session->press("\r");
+        session->awaitKeyWait();
+        EXPECT_TRUE(hasFailed());
+        EXPECT_FALSE(session->terminal().isCooked()) << wait;
+    }
+}
 
 // What was read of that line is not to be taken for the whole value.
 TEST_F(fault_test, RefusesAReleaseFileThatBreaksOffWithinALine) {
@@ -224,7 +255,7 @@ INSTANTIATE_TEST_SUITE_P(Calls, fault_sweep_test,
                                          "setupterm", "tigetstr", "tparm", "putp", "getcwd",
                                          "getenv TERM", "access", "fopen", "read file",
                                          "posix_spawn_file_actions_init", "posix_spawnp", "waitpid",
-                                         "epoll_create1", "epoll_ctl", "epoll_wait", "write",
+                                         "epoll_create1", "epoll_ctl", "epoll_pwait", "write",
                                          "read terminal"),
                          [](const auto& call) {
                              std::string name = call.param;

@@ -67,16 +67,16 @@ void typist::type(const std::string& bytes) const {
 
 extern "C" {
 
-int __real_epoll_wait(int instance, epoll_event* events, int most, int milliseconds);
-int __wrap_epoll_wait(int instance, epoll_event* events, int most, int milliseconds) {
-    const int ready = __real_epoll_wait(instance, events, most, 0);
+int __wrap_epoll_pwait(int instance, epoll_event* events, int most, int milliseconds,
+                       const sigset_t*) {
+    const int ready = epoll_wait(instance, events, most, 0);
     if (ready != 0 || !current->awaitPiece(milliseconds)) {
         return ready;
     }
-    return __real_epoll_wait(instance, events, most, 0);
+    return epoll_wait(instance, events, most, 0);
 }
 
-/// The watch that every key leaves open is of no use behind this; so many would use up what a
+/// The watch that every key leaves open is of no use after this; so many would use up what a
 /// process may have.
 int __real_epoll_ctl(int instance, int operation, int descriptor, epoll_event* event);
 int __wrap_epoll_ctl(int instance, int operation, int descriptor, epoll_event* event) {

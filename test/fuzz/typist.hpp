@@ -3,7 +3,8 @@
 #include "fuzz/typing.hpp"
 
 /// Types on the terminal that is standard input. Nobody waits: time is what the menu spends drawing
-/// and waiting for input, and is only counted. There is one at a time; it stands in for epoll_wait.
+/// and waiting for input, and is only counted. There is one at a time; it stands in for
+/// epoll_pwait.
 class typist {
 public:
     /// @param userSide the side of the terminal on which a user types

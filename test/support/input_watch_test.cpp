@@ -11,7 +11,10 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <string>
 #include <thread>
+
+#include "support/blocked_signals.hpp"
 
 namespace {
 
@@ -113,7 +116,7 @@ TEST_F(input_watch_test, GivesUpAtTheTenthInterruption) {
         ++waits;
         return false;
     }));
-    EXPECT_EQ(1 + 10, waits);  // once ahead of the first wait
+    EXPECT_EQ(1 + 10, waits);  // once before the first wait
 }
 
 // What somebody deals with, as a new size of the window, does not wear the wait out.
@@ -125,7 +128,28 @@ TEST_F(input_watch_test, DoesNotCountInterruptionsThatAreDealtWith) {
         if (calls == 60) {
             EXPECT_EQ(1, write(ends[1], "x", 1));
         }
-        return calls % 2 == 0;  // dealt with, and nothing more to do
+        return true;
     }));
     EXPECT_GE(calls, 60);
+}
+
+// It would be waited for in vain if it came in between the last look and the wait.
+TEST_F(input_watch_test, LetsInWhatTheCallerHasBlockedDuringTheWaitOnly) {
+    static volatile std::sig_atomic_t seen = 0;
+    std::signal(SIGUSR2, [](int) { seen = seen + 1; });
+    const blocked_signals blocked{SIGUSR2};
+    std::string seenAtEachLook;
+    EXPECT_TRUE(input_watch(ends[0]).waitReadable(input_watch::noTimeLimit, [&] {
+        seenAtEachLook += std::to_string(seen);
+        if (seen == 0) {
+            raise(SIGUSR2);
+        } else {
+            EXPECT_EQ(1, write(ends[1], "x", 1));
+        }
+        return false;
+    }));
+    raise(SIGUSR2);
+    EXPECT_EQ("01", seenAtEachLook);
+    EXPECT_EQ(1, seen);  // the second one is blocked again
+    std::signal(SIGUSR2, SIG_IGN);
 }
