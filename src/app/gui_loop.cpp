@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <functional>
@@ -13,17 +12,6 @@ namespace {
 
 constexpr int warningPauseSeconds = 1;
 constexpr const char* warningPrompt = "Press ENTER to continue...";
-
-constexpr unsigned char del = 0x7f;
-constexpr unsigned char lastC1 = 0x9f;
-
-/// Repeated on a terminal, a control character may leave it in the middle of a sequence.
-bool hasControlCharacter(const std::string& text) {
-    return std::any_of(text.begin(), text.end(), [](char character) {
-        const auto code = static_cast<unsigned char>(character);
-        return code < ' ' || (code >= del && code <= lastC1);
-    });
-}
 
 /// What is done ahead of a line's text, in this order.
 void decorate(gui& terminal, const menu_line_t& line) {
@@ -146,7 +134,7 @@ void gui::redrawLines(const menu_elem_t& menu) {
     const auto count = static_cast<int>(menu.lines.size());
     const window_size_t window = windowSize();
     const bool highEnough = window.rows == 0 || count < window.rows;
-    const bool wideEnough = window.columns == 0 || shownWidth < window.columns;
+    const bool wideEnough = shownWidth < (window.columns == 0 ? unknownWidth : window.columns);
     if (highEnough && wideEnough) {
         cursorUp(count);
     } else {

@@ -70,16 +70,23 @@ std::string promptNumber(const menu_elem_t& menu) {
     return number;
 }
 
+bool hasControlCharacter(const std::string& text) {
+    constexpr unsigned char del = 0x7f;
+    constexpr unsigned char lastC1 = 0x9f;
+    return std::any_of(text.begin(), text.end(), [](char character) {
+        const auto code = static_cast<unsigned char>(character);
+        return code < ' ' || (code >= del && code <= lastC1);
+    });
+}
+
 int menuWidth(const menu_elem_t& menu) {
-    constexpr int tabColumns = 8;
-    const auto columns = [](const std::string& text) {
-        const auto tabs = std::count(text.begin(), text.end(), '\t');
-        return static_cast<int>(text.size()) + static_cast<int>(tabs) * (tabColumns - 1);
-    };
-    int widest = 0;
+    std::size_t widest = 0;
     for (const auto& [item, line] : menu.lines) {
+        if (hasControlCharacter(line.text)) {
+            return unknownWidth;
+        }
         const std::string number = line.prompt != 0 ? greatestNumber(menu) : numberPrefix(line);
-        widest = std::max(widest, columns(number) + columns(line.text));
+        widest = std::max(widest, number.size() + line.text.size());
     }
-    return widest;
+    return static_cast<int>(widest);
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <map>
 #include <optional>
 #include <string>
@@ -53,6 +54,13 @@ std::string numberPrefix(const menu_line_t& line);
 /// the menu's greatest one so that it covers what it replaces; empty while nothing is highlighted
 std::string promptNumber(const menu_elem_t& menu);
 
-/// @return the columns that the widest line takes, whatever is highlighted; no less than it really
-/// takes, as every byte counts for one and a tab for eight
+/// @return true when the text may lead a terminal elsewhere than to the next column, or into the
+/// middle of a sequence
+bool hasControlCharacter(const std::string& text);
+
+/// What menuWidth says of a menu with a control character: nobody knows how wide that is.
+inline constexpr int unknownWidth = std::numeric_limits<int>::max();
+
+/// @return the columns that the widest line takes, whatever is highlighted, or unknownWidth; no
+/// less than it really takes, as every byte counts for one
 int menuWidth(const menu_elem_t& menu);

@@ -109,6 +109,20 @@ TEST(Menu, IsAsWideAsItsWidestLine) {
     menu.lines.at(11).text = "> 34567";
     menu.selected = 5;
     EXPECT_EQ(8, menuWidth(menu));
-    menu.lines.at(0).text = "a\tb";
-    EXPECT_EQ(10, menuWidth(menu));
+}
+
+TEST(Menu, IsOfUnknownWidthWithAControlCharacter) {
+    for (const std::string& control :
+         {std::string(1, '\0'), std::string("\t"), std::string("\v"), std::string("\x1b"),
+          std::string("\x7f"), std::string("\x9b")}) {
+        menu_elem_t menu = makeMenu();
+        menu.lines.at(0).text = "a" + control + "b";
+        EXPECT_EQ(unknownWidth, menuWidth(menu));
+    }
+}
+
+TEST(Menu, TellsControlCharactersFromOthers) {
+    EXPECT_FALSE(hasControlCharacter(" ~\xa0\xff"));
+    EXPECT_TRUE(hasControlCharacter("\x1f"));
+    EXPECT_TRUE(hasControlCharacter("\x80"));
 }

@@ -61,13 +61,8 @@ protected:
         step("8", "> 8");
     }
 
-    std::size_t before = 0;
-};
-
-class emulated_window_test : public windows_test, public testing::WithParamInterface<window_t> {
-protected:
     /// Lets the program clear the screen and draw everything anew.
-    std::string freshPicture() {
+    std::string freshPicture(int rows, int columns) {
         before = session->output().size();
         session->signal(SIGWINCH);
         session->await([&] { return lastOutput().find("Varn Firmware Tools") < std::string::npos; },
@@ -75,11 +70,19 @@ protected:
         session->awaitKeyWait();
         const std::string drawing = lastOutput();
         EXPECT_TRUE(beginsWithClear(drawing)) << drawing;
-        terminal_screen fresh(GetParam().rows, GetParam().columns);
+        terminal_screen fresh(rows, columns);
         fresh.write(drawing);
         return fresh.picture();
     }
+
+    std::size_t before = 0;
 };
+
+class emulated_window_test : public windows_test, public testing::WithParamInterface<window_t> {};
+
+/// A release value with a control character: where that leads a terminal, only the terminal knows.
+class control_character_test : public windows_test,
+                               public testing::WithParamInterface<const char*> {};
 
 /// Sizes that the emulator does not take: the window it shows stays as it was.
 class unemulated_window_test : public windows_test {
@@ -99,9 +102,29 @@ TEST_P(emulated_window_test, ShowsWhatAFreshDrawingWould) {
     start(GetParam().rows, GetParam().columns);
     walk([&](const std::string& where) {
         const std::string seen = session->screen().picture();
-        EXPECT_EQ(freshPicture(), seen) << where;
+        EXPECT_EQ(freshPicture(GetParam().rows, GetParam().columns), seen) << where;
     });
 }
+
+TEST_P(control_character_test, IsNotDrawnOverInPlace) {
+    const std::string value = GetParam() == std::string("NUL")   ? std::string("2\0\0", 3)
+                              : GetParam() == std::string("VT")  ? "2\v\v"
+                              : GetParam() == std::string("ESC") ? "2\x1b[3B"
+                                                                 : "2\f\b";
+    package.write("releasefile-information.txt", "VARN_RELEASE=" + value + "1\nSDR_RELEASE=" +
+                                                     value + "\nSYSTEM=RX\nIMAGE_NAME=fw.bin\n");
+    start();
+    press("\x1b[B", "> 1");
+    for (const char* key : {"\x1b[B", "3", "\x1b[A", "8"}) {
+        press(key, "> ");
+        EXPECT_TRUE(lastOutput().starts_with(clearSequence)) << lastOutput();
+        const std::string seen = session->screen().picture();
+        EXPECT_EQ(freshPicture(24, 80), seen) << key;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(In, control_character_test, testing::Values("NUL", "VT", "ESC", "FF"),
+                         [](const auto& name) { return name.param; });
 
 INSTANTIATE_TEST_SUITE_P(Size, emulated_window_test,
                          testing::Values(window_t{"Small20x5", 20, 5},
