@@ -147,10 +147,7 @@ void gui::drawLines(const menu_elem_t& menu) {
     for (const auto& [item, line] : menu.lines) {
         drawLine(menu, item, line);
     }
-    if (std::fflush(stdout) != 0) {
-        // Not to be taken for drawn: ENTER would carry out a line that nobody sees highlighted.
-        throw std::runtime_error("Cannot print terminal line");
-    }
+    std::fflush(stdout);
 }
 
 void gui::drawLine(const menu_elem_t& menu, menu_item_t item, const menu_line_t& line) {
