@@ -1,16 +1,18 @@
 #include "support/stream.hpp"
 
 #include <poll.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
-#include <string_view>
 #include <unordered_map>
 
+#include "support/escape_sequence.hpp"
 #include "support/input_watch.hpp"
 #include "support/menu_exception.hpp"
 
@@ -19,8 +21,9 @@ namespace {
 constexpr char endOfText = '\x03';  // Ctrl-C
 constexpr char escape = '\x1b';
 constexpr char lineFeed = '\n';
+constexpr char carriageReturn = '\r';
 
-constexpr int escapeGapMilliseconds = 50;
+constexpr int gapMilliseconds = 50;
 constexpr int endOfFileRestMilliseconds = 100;
 
 const std::string& tracePrefix(std::uint32_t level) {
@@ -34,20 +37,12 @@ const std::string& tracePrefix(std::uint32_t level) {
     return prefix->second;
 }
 
-/// A serial line delivers the bytes of one arrow key with gaps. ESC "[" waits for its final byte,
-/// ESC "O" for the one byte behind it; any other sequence is whole with its second byte.
-/// @return true when the bytes end in the middle of a sequence
-bool isUnfinishedSequence(std::string_view bytes) {
-    const std::size_t start = bytes.rfind(escape);
-    if (start == std::string_view::npos) {
-        return false;
+/// Waits until the terminal has taken the last drawing; see tcdrain(3). A serial line is still busy
+/// with it when the program is not, and a stop interrupts the wait. What is no terminal takes
+/// everything at once.
+void awaitDrawn() {
+    while (tcdrain(STDOUT_FILENO) != 0 && errno == EINTR) {
     }
-    bytes.remove_prefix(start);
-    if (bytes.size() == 1 || bytes == "\x1bO") {
-        return true;
-    }
-    const auto isFinal = [](char byte) { return byte >= '@' && byte <= '~'; };
-    return bytes[1] == '[' && std::none_of(bytes.begin() + 2, bytes.end(), isFinal);
 }
 
 }  // namespace
@@ -83,34 +78,57 @@ int stream::readInput() {
 
 void stream::readKey() {
     input_watch keyboard(STDIN_FILENO);
-    // What was typed earlier is thrown away; of a key that is half there, the other half, too.
-    takeWaitingBytes(keyboard);
-    currentInput.clear();
+    awaitDrawn();
+    discardTypedAhead(keyboard);
     if (keyboard.waitReadable(input_watch::noTimeLimit, settleBeforeWait)) {
-        const int first = readByte();
-        if (first != EOF) {
-            currentInput.push_back(static_cast<char>(first));
-        }
-        if (first == escape) {
-            takeWaitingBytes(keyboard);
-        }
+        takeKey(keyboard);
     }
     keyboard.leaveOpen();
 }
 
-void stream::takeWaitingBytes(const input_watch& keyboard) {
-    appendWaitingBytes();
-    while (isUnfinishedSequence(currentInput) && keyboard.waitReadable(escapeGapMilliseconds) &&
-           appendWaitingBytes()) {
+/// Of a key that is half there, the other half goes, too. And an ENTER that nobody can have typed
+/// at the sight of the menu is one of a pasted text, of a line that ends in two bytes, or of a key
+/// that is held: more of the same follows, and is not to confirm what the menu highlights.
+void stream::discardTypedAhead(const input_watch& keyboard) {
+    escape_sequence sequence;
+    bool hasEnter = false;
+    const auto discard = [&](char byte) {
+        sequence.add(byte);
+        hasEnter = hasEnter || byte == lineFeed || byte == carriageReturn;
+    };
+    while (takeWaitingBytes(discard) && (hasEnter || sequence.isUnfinished()) &&
+           keyboard.waitReadable(gapMilliseconds)) {
     }
 }
 
-bool stream::appendWaitingBytes() {
-    const std::size_t known = currentInput.size();
-    for (int byte = readByte(); byte != EOF; byte = readByte()) {
-        currentInput.push_back(static_cast<char>(byte));
+void stream::takeKey(const input_watch& keyboard) {
+    const int first = readByte();
+    if (first == EOF) {
+        return;
     }
-    return currentInput.size() > known;
+    currentInput.push_back(static_cast<char>(first));
+    if (first != escape) {
+        return;
+    }
+    escape_sequence sequence;
+    sequence.add(escape);
+    const auto append = [&](char byte) {
+        sequence.add(byte);
+        currentInput.push_back(byte);
+    };
+    takeWaitingBytes(append);
+    while (sequence.isUnfinished() && keyboard.waitReadable(gapMilliseconds) &&
+           takeWaitingBytes(append)) {
+    }
+}
+
+bool stream::takeWaitingBytes(const std::function<void(char)>& take) {
+    bool isAnyTaken = false;
+    for (int byte = readByte(); byte != EOF; byte = readByte()) {
+        take(static_cast<char>(byte));
+        isAnyTaken = true;
+    }
+    return isAnyTaken;
 }
 
 int stream::readByte() {
@@ -145,7 +163,7 @@ bool stream::isEscapeSequence() const {
     return currentInput.size() >= 2 && currentInput.front() == escape;
 }
 
-bool stream::isEnter() const { return currentInput == std::string_view(&lineFeed, 1); }
+bool stream::isEnter() const { return currentInput == "\n"; }
 
 bool stream::isNumber() const {
     const auto isDigit = [](char character) { return character >= '0' && character <= '9'; };

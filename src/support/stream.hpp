@@ -31,8 +31,10 @@ public:
     /// Prints message on a line of its own; an empty message prints nothing.
     void trace(const std::string& message) const;
 
-    /// Takes the next input: the first queued one, or else one key typed from now on (what was
-    /// typed earlier is thrown away). Waits without a time limit.
+    /// Takes the next input: the first queued one, or else one key typed from now on. What was
+    /// typed before the last drawing had left for the terminal is thrown away, and where an ENTER
+    /// is among it, all that follows until the line has been quiet for 50 ms. Waits without a time
+    /// limit.
     /// @return the number of characters of the input; 0 when nothing could be read
     /// @throws menu_exception when the input ends in Ctrl-C
     int readInput();
@@ -59,7 +61,7 @@ protected:
     /// Waits for a byte on standard input without using the processor, at end of file, too.
     int awaitByte(const input_watch& keyboard) const;
 
-    /// What is to be done ahead of a wait for a key, and when a signal interrupts it; see
+    /// What is to be done before a wait for a key, and when a signal interrupts it; see
     /// input_watch::waitReadable.
     std::function<bool()> settleBeforeWait;
 
@@ -69,6 +71,9 @@ protected:
 
 private:
     void readKey();
-    void takeWaitingBytes(const input_watch& keyboard);
-    bool appendWaitingBytes();
+    static void discardTypedAhead(const input_watch& keyboard);
+    void takeKey(const input_watch& keyboard);
+
+    /// @return false when no byte waits
+    static bool takeWaitingBytes(const std::function<void(char)>& take);
 };

@@ -8,8 +8,9 @@
 //                                 its report of a child that has not ended; a main that fails has
 //                                 no arguments, not even the program's own name; "window" and
 //                                 "continue" are signals that come in right before epoll_pwait,
-//                                 which does not fail
+//                                 which does not fail, and "held" is a tcdrain that takes its time
 //   FAULT_LOG=FILE                is created once a call has failed
+//   FAULT_HOLD=FIFO               ends what is held once somebody opens it for writing
 //
 // Child programs know nothing of it, as they get an environment of their own.
 
@@ -43,6 +44,7 @@ constexpr int throwInteger = -5;
 constexpr int stopped = -6;
 constexpr int windowSignal = -7;
 constexpr int continueSignal = -8;
+constexpr int held = -9;
 
 int releaseFile = -1;
 
@@ -76,7 +78,8 @@ int errorNumber(const char* name) {
                   {"integer", throwInteger},
                   {"stopped", stopped},
                   {"window", windowSignal},
-                  {"continue", continueSignal}};
+                  {"continue", continueSignal},
+                  {"held", held}};
     for (const auto& error : errors) {
         if (std::strcmp(error.name, name) == 0) {
             return error.number;
@@ -265,6 +268,16 @@ int __wrap_epoll_pwait(int instance, epoll_event* events, int most, int millisec
         return -1;
     }
     return __real_epoll_pwait(instance, events, most, milliseconds, mask);
+}
+
+int __real_tcdrain(int descriptor);
+int __wrap_tcdrain(int descriptor) {
+    const int error = errorOf("tcdrain");
+    if (error == held) {
+        const int fifo = open(__real_getenv("FAULT_HOLD"), O_RDONLY | O_CLOEXEC);
+        return fifo < 0 ? -1 : close(fifo);
+    }
+    return error != 0 ? -1 : __real_tcdrain(descriptor);
 }
 
 int __real_nanosleep(const timespec* interval, timespec* rest);

@@ -1,6 +1,9 @@
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <ostream>
 
 #include "harness/process_state.hpp"
@@ -20,6 +23,21 @@ struct fault_row_t {
 };
 
 void PrintTo(const fault_row_t& row, std::ostream* out) { *out << row.fault; }
+
+struct typed_row_t {
+    const char* name;
+    std::string bytes;
+};
+
+void PrintTo(const typed_row_t& row, std::ostream* out) { *out << row.name; }
+
+std::string pastedList() {
+    std::string list;
+    for (int number = 1; number <= 100; ++number) {
+        list += std::to_string(number % 10) + " server\r";
+    }
+    return list;
+}
 
 /// The program with a call that fails, and a user who reads a document, flashes and leaves.
 class fault_test : public tool_test {
@@ -82,6 +100,34 @@ protected:
 private:
     static constexpr int mostKeys = 40;
 };
+
+/// A terminal that is still busy with a drawing when its user types.
+class held_drawing_test : public fault_test {
+protected:
+    /// @param drain of which drawing, 1 for the first
+    void startWithHeld(int drain) {
+        mkfifo(fifo.c_str(), 0600);
+        program.environment["FAULT_HOLD"] = fifo;
+        const std::string call = std::to_string(drain);
+        start("tcdrain:" + call + ":" + call + ":held");
+    }
+
+    void awaitHold() {
+        session->await([this] { return hasFailed(); }, "the drawing to be held up");
+    }
+
+    void endHold() { std::ofstream{fifo}; }
+
+    bool isNothingChosen() const {
+        return isMenuShown() && !session->screen().contains("[WARN]") &&
+               package.runs().size() == 1;  // the question at the start
+    }
+
+    const std::string fifo = (package.root() / "hold").string();
+};
+
+class typed_at_held_drawing_test : public held_drawing_test,
+                                   public testing::WithParamInterface<typed_row_t> {};
 
 class early_signal_test : public fault_test {};
 
@@ -172,6 +218,8 @@ INSTANTIATE_TEST_SUITE_P(
                     fault_row_t{"NineInterruptions", "epoll_pwait:1:9:EINTR", normalEnd},
                     fault_row_t{"TenInterruptions", "epoll_pwait:1:10:EINTR", noInput},
                     fault_row_t{"BadInstance", "epoll_pwait:1:1:EBADF", noInput},
+                    fault_row_t{"DrainInterrupted", "tcdrain:1:9:EINTR", normalEnd},
+                    fault_row_t{"NoDrain", "tcdrain:1:99:EIO", normalEnd},
                     fault_row_t{"KeyNotRead", "read terminal:2:2:EIO", noInput},
                     fault_row_t{"KeyAtEndOfFile", "read terminal:2:2:eof", noInput},
                     fault_row_t{"TypeAheadNotRead", "read terminal:1:1:EIO", normalEnd},
@@ -187,6 +235,59 @@ INSTANTIATE_TEST_SUITE_P(
                     fault_row_t{"RedrawNotWritten", "write:3:3:EIO", normalEnd},
                     fault_row_t{"MenuInPieces", "write:1:500:short", normalEnd}),
     [](const auto& row) { return row.param.name; });
+
+// Nobody can have seen the menu yet.
+TEST_P(typed_at_held_drawing_test, ChoosesNothing) {
+    startWithHeld(1);
+    awaitHold();
+    session->type(GetParam().bytes);
+    endHold();
+    session->awaitKeyWait();
+    EXPECT_TRUE(isNothingChosen()) << session->screen().text();
+    session->press("3");
+    session->awaitScreen("\n> 3\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(Typed, typed_at_held_drawing_test,
+                         testing::Values(typed_row_t{"Note", "Steps:\r4 images to do\r\r"},
+                                         typed_row_t{"List", pastedList()},
+                                         typed_row_t{"LineEnd", "1\r\n"}, typed_row_t{"Key", "x"}),
+                         [](const auto& row) { return row.param.name; });
+
+// The line feed is what the carriage return before it brought along.
+TEST_F(held_drawing_test, TakesTheSecondByteOfALineEndForNoEnter) {
+    startWithHeld(3);
+    session->press("1");
+    session->press("x");
+    session->awaitScreen("Press ENTER");
+    session->press("\r");
+    session->await([this] { return hasFailed() || isNothingChosen(); }, "the menu");
+    awaitHold();
+    session->type("\n");
+    endHold();
+    session->awaitKeyWait();
+    EXPECT_TRUE(isNothingChosen()) << session->screen().text();
+    EXPECT_TRUE(session->screen().contains("\n> 1\n"));
+}
+
+TEST_F(held_drawing_test, DoesNotKeepASignalFromEndingTheProgram) {
+    startWithHeld(1);
+    awaitHold();
+    session->signal(SIGTERM);
+    EXPECT_EQ(128 + SIGTERM, awaitEnd());
+    expectTerminalRestored();
+}
+
+// What the terminal has not taken yet is not drawn over: that follows.
+TEST_F(held_drawing_test, IsFollowedByTheDrawingForANewWindow) {
+    startWithHeld(1);
+    awaitHold();
+    const std::size_t before = session->output().size();
+    session->resize(30, 100);
+    endHold();
+    session->awaitKeyWait();
+    EXPECT_NE(std::string::npos, session->output().find("\x1b[H\x1b[2J", before));
+}
 
 // Neither is lost when it comes in between the last look and the wait.
 TEST_F(early_signal_test, OfTheWindowDrawsTheMenuAnew) {
@@ -255,8 +356,8 @@ INSTANTIATE_TEST_SUITE_P(Calls, fault_sweep_test,
                                          "setupterm", "tigetstr", "tparm", "putp", "getcwd",
                                          "getenv TERM", "access", "fopen", "read file",
                                          "posix_spawn_file_actions_init", "posix_spawnp", "waitpid",
-                                         "epoll_create1", "epoll_ctl", "epoll_pwait", "write",
-                                         "read terminal"),
+                                         "epoll_create1", "epoll_ctl", "epoll_pwait", "tcdrain",
+                                         "write", "read terminal"),
                          [](const auto& call) {
                              std::string name = call.param;
                              std::replace(name.begin(), name.end(), ' ', '_');

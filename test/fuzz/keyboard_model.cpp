@@ -9,21 +9,13 @@ constexpr char escape = '\x1b';
 
 /// @return true when the last sequence of the bytes is not whole
 bool isCut(const std::string& bytes) {
-    enum { whole, behindEscape, behindO, behindBracket } state = whole;
-    for (const char byte : bytes) {
-        const bool isFinal = byte >= 0x40 && byte != 0x7f;
-        if (byte == escape) {
-            state = behindEscape;
-        } else if (state == behindEscape && byte == '[') {
-            state = behindBracket;
-        } else if (state == behindEscape && byte == 'O') {
-            state = behindO;
-        } else if (state != behindBracket || isFinal) {
-            state = whole;
-        }
-    }
-    return state != whole;
+    const std::string last = bytes.substr(std::min(bytes.rfind(escape), bytes.size()));
+    const auto isFinal = [](char byte) { return byte >= 0x40 && byte != 0x7f; };
+    return last == "\x1b" || last == "\x1bO" ||
+           (last.starts_with("\x1b[") && std::none_of(last.begin() + 2, last.end(), isFinal));
 }
+
+bool hasEnter(const std::string& bytes) { return bytes.find('\n') != std::string::npos; }
 
 }  // namespace
 
@@ -40,10 +32,10 @@ keyboard_model::keyboard_model(const typing_t& typing) {
 std::string keyboard_model::nextKey() {
     now += drawingTime;
     std::string typedEarlier;
-    takeArrived(typedEarlier);
+    takeArrived(typedEarlier, [&] { return isCut(typedEarlier) || hasEnter(typedEarlier); });
     std::string key(1, takeByte());
     if (key.front() == escape) {
-        takeArrived(key);
+        takeArrived(key, [&] { return isCut(key); });
     }
     return key;
 }
@@ -60,15 +52,16 @@ char keyboard_model::takeByte() {
     return arrival.byte;
 }
 
-/// All that has arrived; and as long as that is cut, what arrives before the gap is too long.
-void keyboard_model::takeArrived(std::string& key) {
+/// All that has arrived; and as long as that calls for more, what arrives before the gap is too
+/// long.
+void keyboard_model::takeArrived(std::string& bytes, const std::function<bool()>& callsForMore) {
     const auto hasArrived = [&](int time) {
         return !arrivals.empty() && arrivals.front().time <= time;
     };
-    while (hasArrived(now) || (isCut(key) && hasArrived(now + longestGap - 1))) {
-        key += takeByte();
+    while (hasArrived(now) || (callsForMore() && hasArrived(now + longestGap - 1))) {
+        bytes += takeByte();
     }
-    if (isCut(key)) {
+    if (callsForMore()) {
         now += longestGap;
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <string>
 
 #include "fuzz/typing.hpp"
@@ -10,7 +11,7 @@ class keyboard_model {
 public:
     explicit keyboard_model(const typing_t& typing);
 
-    /// @return the key that the menu takes behind its next drawing
+    /// @return the key that the menu takes after its next drawing
     std::string nextKey();
 
     /// Leaves out all up to the next line feed.
@@ -23,7 +24,7 @@ private:
     };
 
     char takeByte();
-    void takeArrived(std::string& key);
+    void takeArrived(std::string& bytes, const std::function<bool()>& callsForMore);
 
     std::deque<arrival_t> arrivals;
     int now = 0;
