@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
@@ -42,6 +43,15 @@ const std::string& tracePrefix(std::uint32_t level) {
 /// everything at once.
 void awaitDrawn() {
     while (tcdrain(STDOUT_FILENO) != 0 && errno == EINTR) {
+    }
+}
+
+/// To be called where standard input was readable and gave nothing. On a terminal that has hung up
+/// nobody can ever type again: ends the process as the hang-up does where its signal comes through.
+void endIfHungUp() {
+    termios attributes{};
+    if (tcgetattr(STDIN_FILENO, &attributes) != 0 && errno == EIO) {
+        raise(SIGHUP);
     }
 }
 
@@ -104,7 +114,7 @@ void stream::discardTypedAhead(const input_watch& keyboard) {
 void stream::takeKey(const input_watch& keyboard) {
     const int first = readByte();
     if (first == EOF) {
-        return;
+        return endIfHungUp();
     }
     currentInput.push_back(static_cast<char>(first));
     if (first != escape) {
@@ -143,6 +153,7 @@ int stream::awaitByte(const input_watch& keyboard) const {
         keyboard.waitReadable(input_watch::noTimeLimit, settleBeforeWait);
         byte = readByte();
         if (byte == EOF) {
+            endIfHungUp();
             // A real end of file is readable for ever: look again now and then.
             poll(nullptr, 0, endOfFileRestMilliseconds);
         }

@@ -37,6 +37,7 @@ public:
     /// limit.
     /// @return the number of characters of the input; 0 when nothing could be read
     /// @throws menu_exception when the input ends in Ctrl-C
+    /// A terminal that has hung up ends the process by SIGHUP.
     int readInput();
 
     /// Appends an input for readInput; an empty one stands for Ctrl-C.
@@ -58,7 +59,8 @@ protected:
     /// @return the next byte that waits on standard input, EOF where none does
     static int readByte();
 
-    /// Waits for a byte on standard input without using the processor, at end of file, too.
+    /// Waits for a byte on standard input without using the processor, at end of file, too. A
+    /// terminal that has hung up ends the process by SIGHUP.
     int awaitByte(const input_watch& keyboard) const;
 
     /// What is to be done before a wait for a key, and when a signal interrupts it; see

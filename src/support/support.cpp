@@ -132,7 +132,7 @@ void support::delay(int unit, int amount) {
 
 bool support::fileExists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
 
-std::string support::fileName(const std::string& path) const {
+std::string support::fileName(const std::string& path) {
     return path.substr(path.rfind('/') + 1);  // without a slash: npos + 1 is the start
 }
 

@@ -36,7 +36,7 @@ public:
     int clearScreen();
 
     /// Prints message, unless it is empty, and reads standard input up to the next line feed. At
-    /// end of file it goes on waiting.
+    /// end of file it goes on waiting; a terminal that has hung up ends the process by SIGHUP.
     void waitForEnter(const std::string& message);
 
     /// Sleeps once, see nanosleep(2).
@@ -49,7 +49,7 @@ public:
     static bool fileExists(const std::string& path);
 
     /// @return the last component of path; empty for one that ends in a slash
-    std::string fileName(const std::string& path) const;
+    static std::string fileName(const std::string& path);
 
     /// @return count line feeds, none for a count below 1
     static std::string newLines(int count);

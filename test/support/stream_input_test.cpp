@@ -274,6 +274,21 @@ TEST(ReadInput, KeepsNothingOfWhatItThrowsAway) {
     EXPECT_LT(std::stol(session.result()), mostKilobytes);
 }
 
+// Nobody can ever type again, and the signal that tells so may have gone to others only.
+TEST(ReadInput, DiesWithItsTerminal) {
+    terminal_session session([] {
+        pseudo_terminal terminal(24, 80);
+        dup2(terminal.slave(), STDIN_FILENO);
+        setRawMode();
+        terminal.hangUp();
+        open_stream input;
+        return readOnce(input);
+    });
+    const int status = session.awaitEnd();
+    EXPECT_TRUE(WIFSIGNALED(status)) << session.result();
+    EXPECT_EQ(SIGHUP, WTERMSIG(status));
+}
+
 // Waiting after each of 40 finished sequences would take 2 s at least.
 TEST(ReadInput, DoesNotWaitAfterAFinishedSequence) {
     constexpr int reads = 40;
