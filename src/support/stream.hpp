@@ -32,12 +32,11 @@ public:
     void trace(const std::string& message) const;
 
     /// Takes the next input: the first queued one, or else one key typed from now on. What was
-    /// typed before the last drawing had left for the terminal is thrown away, and where an ENTER
-    /// is among it, all that follows until the line has been quiet for 50 ms. Waits without a time
-    /// limit.
+    /// typed before the last drawing had left the machine is thrown away, and where an ENTER is
+    /// among it, all that follows until the line has been quiet for 50 ms. Waits without a time
+    /// limit; a terminal that has hung up ends the process by SIGHUP.
     /// @return the number of characters of the input; 0 when nothing could be read
     /// @throws menu_exception when the input ends in Ctrl-C
-    /// A terminal that has hung up ends the process by SIGHUP.
     int readInput();
 
     /// Appends an input for readInput; an empty one stands for Ctrl-C.

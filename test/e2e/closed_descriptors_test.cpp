@@ -43,9 +43,12 @@ protected:
     void carryOut(const std::string& number, const std::string& expected) {
         session->press(number);
         session->press("\r");
-        session->await([&] { return !package.runs().empty() && package.runs().back().ended &&
-                                    package.runs().back().name == expected; },
-                       expected);
+        session->await(
+            [&] {
+                return !package.runs().empty() && package.runs().back().ended &&
+                       package.runs().back().name == expected;
+            },
+            expected);
         expectAllOpen(package.runs().back());
         session->awaitKeyWait();
     }

@@ -8,8 +8,8 @@
 
 namespace {
 
-/// ENTER that was typed when nobody can have seen the menu: pasted, the second byte of a line end, or
-/// from a key that is held.
+/// ENTER that was typed when nobody can have seen the menu: pasted, the second byte of a line end,
+/// or from a key that is held.
 class earlier_enter_test : public tool_test {
 protected:
     // The pieces follow each other within 50 ms, which a busy machine may miss, but not every time.

@@ -8,7 +8,8 @@
 //                                 its report of a child that has not ended; a main that fails has
 //                                 no arguments, not even the program's own name; "window" and
 //                                 "continue" are signals that come in right before epoll_pwait,
-//                                 which does not fail, and "held" is a tcdrain that takes its time
+//                                 which does not fail, and "held" is a tcdrain that takes its time,
+//                                 with interruptions before that where several calls are to fail
 //   FAULT_LOG=FILE                is created once a call has failed
 //   FAULT_HOLD=FIFO               ends what is held once somebody opens it for writing
 //
@@ -273,6 +274,10 @@ int __wrap_epoll_pwait(int instance, epoll_event* events, int most, int millisec
 int __real_tcdrain(int descriptor);
 int __wrap_tcdrain(int descriptor) {
     const int error = errorOf("tcdrain");
+    if (error == held && fault().seen < fault().last) {
+        errno = EINTR;
+        return -1;
+    }
     if (error == held) {
         const int fifo = open(__real_getenv("FAULT_HOLD"), O_RDONLY | O_CLOEXEC);
         return fifo < 0 ? -1 : close(fifo);

@@ -1,4 +1,5 @@
 #include <sys/stat.h>
+#include <sys/syscall.h>
 
 #include <algorithm>
 #include <csignal>
@@ -105,15 +106,19 @@ private:
 class held_drawing_test : public fault_test {
 protected:
     /// @param drain of which drawing, 1 for the first
-    void startWithHeld(int drain) {
+    /// @param interruptions how many there are before it is held up
+    void startWithHeld(int drain, int interruptions = 0) {
         mkfifo(fifo.c_str(), 0600);
         program.environment["FAULT_HOLD"] = fifo;
-        const std::string call = std::to_string(drain);
-        start("tcdrain:" + call + ":" + call + ":held");
+        start("tcdrain:" + std::to_string(drain) + ":" + std::to_string(drain + interruptions) +
+              ":held");
     }
 
     void awaitHold() {
-        session->await([this] { return hasFailed(); }, "the drawing to be held up");
+        const auto isHeld = [this] {
+            return hasFailed() && currentSystemCall(session->process()).number == SYS_openat;
+        };
+        session->await(isHeld, "the drawing to be held up");
     }
 
     void endHold() { std::ofstream{fifo}; }
@@ -261,13 +266,22 @@ TEST_F(held_drawing_test, TakesTheSecondByteOfALineEndForNoEnter) {
     session->press("x");
     session->awaitScreen("Press ENTER");
     session->press("\r");
-    session->await([this] { return hasFailed() || isNothingChosen(); }, "the menu");
     awaitHold();
     session->type("\n");
     endHold();
     session->awaitKeyWait();
     EXPECT_TRUE(isNothingChosen()) << session->screen().text();
     EXPECT_TRUE(session->screen().contains("\n> 1\n"));
+}
+
+// A stop, for one, interrupts it.
+TEST_F(held_drawing_test, IsWaitedForAfterAnInterruption) {
+    startWithHeld(1, 3);
+    awaitHold();
+    session->type("x");
+    endHold();
+    session->awaitKeyWait();
+    EXPECT_TRUE(isNothingChosen()) << session->screen().text();
 }
 
 TEST_F(held_drawing_test, DoesNotKeepASignalFromEndingTheProgram) {
