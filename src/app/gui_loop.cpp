@@ -13,7 +13,7 @@ namespace {
 constexpr int warningPauseSeconds = 1;
 constexpr const char* warningPrompt = "Press ENTER to continue...";
 
-/// What is done ahead of a line's text, in this order.
+/// What is done before a line's text, in this order.
 void decorate(gui& terminal, const menu_line_t& line) {
     using decoration_t = std::function<void(gui&, const menu_line_t&)>;
     static const std::array<decoration_t, 3> decorations{
@@ -70,7 +70,7 @@ void gui::printWarning() {
     }
 }
 
-/// Ahead of every wait for a key: takes the terminal's mode back from whoever has changed it, and
+/// Before every wait for a key: takes the terminal's mode back from whoever has changed it, and
 /// where the screen may not be the same any more, shows anew what was on it.
 /// @return true when that was so
 bool gui::repaint() {

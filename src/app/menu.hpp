@@ -13,7 +13,7 @@ using menu_item_t = std::int32_t;
 /// One line of a menu.
 struct menu_line_t {
     std::string text;
-    std::int32_t shownNumber = 0;  ///< in brackets ahead of the text; 0 for a line without one
+    std::int32_t shownNumber = 0;  ///< in brackets before the text; 0 for a line without one
     std::uint8_t prompt = 0;       ///< 1: shows the number of the highlighted line
     std::uint8_t emphasis = 0;     ///< 1: bold
     std::uint8_t selectable = 0;   ///< 1: the user can choose it
@@ -38,7 +38,7 @@ void numberLines(menu_elem_t& menu);
 bool isSelectable(const menu_elem_t& menu, menu_item_t item);
 
 /// @return where key-up leads from item; item itself where it leads nowhere. From a line that
-/// cannot be selected (the start) it leads to the first one behind it that can.
+/// cannot be selected (the start) it leads to the first one below it that can.
 menu_item_t lineAbove(const menu_elem_t& menu, menu_item_t item);
 
 /// @return where key-down leads from item; item itself where it leads nowhere
@@ -47,10 +47,10 @@ menu_item_t lineBelow(const menu_elem_t& menu, menu_item_t item);
 /// @return the selectable line with this shown number
 std::optional<menu_item_t> lineWithNumber(const menu_elem_t& menu, std::int32_t number);
 
-/// @return what stands ahead of the line's text: its shown number in brackets, if it has one
+/// @return what stands before the line's text: its shown number in brackets, if it has one
 std::string numberPrefix(const menu_line_t& line);
 
-/// @return what stands behind the prompt: the shown number of the highlighted line, as wide as
+/// @return what stands after the prompt: the shown number of the highlighted line, as wide as
 /// the menu's greatest one so that it covers what it replaces; empty while nothing is highlighted
 std::string promptNumber(const menu_elem_t& menu);
 

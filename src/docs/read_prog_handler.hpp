@@ -11,7 +11,7 @@ struct reader_prog_t {
     bool waitOnClose;         ///< ask for ENTER once the reader has ended
 };
 
-/// One run of a reader program: clears the screen ahead of it, and asks for ENTER behind it where
+/// One run of a reader program: clears the screen before it, and asks for ENTER after it where
 /// the reader does not page by itself.
 class read_prog_handler : public support {
 public:

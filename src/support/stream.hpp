@@ -24,7 +24,7 @@ class stream {
 public:
     /// Prints lead, the level's prefix, message and a line feed, and flushes standard output.
     /// @param level one bit of trace_level_t; a level without a bit in the mask is dropped
-    /// @param lead text ahead of the prefix, usually empty or two line feeds
+    /// @param lead text before the prefix, usually empty or two line feeds
     /// @throws std::runtime_error when the level passes the mask and is no single known level
     void trace(std::uint32_t level, const std::string& message, const std::string& lead) const;
 
@@ -45,7 +45,7 @@ public:
     /// @return the integer at the start of the current input, 0 where there is none
     int inputAsNumber() const;
 
-    /// @return true for ESC with at least one character behind it
+    /// @return true for ESC followed by at least one character
     bool isEscapeSequence() const;
 
     /// @return true for exactly one line feed

@@ -16,7 +16,7 @@ public:
 
     bool empty() const { return words.size() == 1; }
 
-    /// @return the words and a null pointer behind them; valid as long as this object
+    /// @return the words and a null pointer after them; valid as long as this object
     char* const* data() const { return words.data(); }
 
 private:

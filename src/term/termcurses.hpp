@@ -54,7 +54,7 @@ public:
     void setBackground(std::int32_t colour);
     void setBold();
 
-    /// @return the text in reverse video; the reset behind it ends colours and bold, too
+    /// @return the text in reverse video; the reset after it ends colours and bold, too
     std::string highlight(const std::string& text) const;
 
     /// Goes to the start of the line that is count lines further up.
