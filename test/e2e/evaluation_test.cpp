@@ -38,7 +38,7 @@ const std::vector<std::string> documentsRead{"cat ../readme.txt",
 }  // namespace
 
 TEST_F(evaluation_test, WalksThroughBothMenusWithoutAnyFlash) {
-    program.user = 65534;  // the root check is skipped
+    runAsNobody();  // the root check is skipped
     std::filesystem::permissions(package.root(), std::filesystem::perms::all);
     walk();
     EXPECT_EQ(3, count("Starting validation of inactive image, please wait..."));

@@ -97,7 +97,7 @@ TEST_F(start_test, NeedsATerminalOnStandardInput) {
 }
 
 TEST_F(start_test, RefusesUsersOtherThanRoot) {
-    program.user = 65534;
+    runAsNobody();
     expectEnd(
         "Exitting program 'varnmenu' due to program started without administrator privileges");
     EXPECT_EQ(std::string::npos, session->output().find("Normal Flash"));

@@ -1,7 +1,10 @@
 #include "harness/package_folder.hpp"
 
 #include <stdlib.h>
+#include <sys/stat.h>
 
+#include <algorithm>
+#include <array>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -10,16 +13,39 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// @return true when every user can enter the folder and those above it
+bool isOpenToEveryone(const fs::path& folder) {
+    const bool isOpen = (fs::status(folder).permissions() & fs::perms::others_exec) != fs::perms{};
+    return isOpen && (folder == folder.root_path() || isOpenToEveryone(folder.parent_path()));
+}
+
+/// @return the folder for temporary files, or the usual one where that is private
+fs::path folderForEveryone() {
+    const std::array candidates{fs::canonical(fs::temp_directory_path()), fs::path("/tmp")};
+    const auto found = std::find_if(candidates.begin(), candidates.end(), isOpenToEveryone);
+    if (found == candidates.end()) {
+        throw std::runtime_error("other users can enter neither TMPDIR nor /tmp");
+    }
+    return *found;
+}
+
 fs::path makeTemporaryFolder() {
-    std::string name = (fs::temp_directory_path() / "varnmenu-XXXXXX").string();
+    std::string name = (folderForEveryone() / "varnmenu-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) {
         throw std::runtime_error("mkdtemp failed");
     }
     fs::permissions(name, fs::perms(0755));
+    // What a test puts into it is for others, too. No bit is added, as script/coverage needs 0.
+    umask(umask(0) & 022);
     return name;
 }
 
-void addStandIn(const fs::path& path) { fs::copy_file(STAND_IN_PROGRAM, path); }
+void copyProgram(const fs::path& program, const fs::path& copy) {
+    fs::copy_file(program, copy);
+    fs::permissions(copy, fs::perms(0755));
+}
+
+void addStandIn(const fs::path& path) { copyProgram(STAND_IN_PROGRAM, path); }
 
 std::set<int> signalNumbers(const std::string& mask) {
     std::set<int> numbers;
@@ -85,6 +111,13 @@ void package_folder::write(const std::string& name, const std::string& text) con
 }
 
 void package_folder::remove(const std::string& name) const { fs::remove_all(folder / name); }
+
+fs::path package_folder::copyForEveryone(const fs::path& program) const {
+    fs::create_directories(folder / "copies");
+    const fs::path copy = folder / "copies" / program.filename();
+    copyProgram(program, copy);
+    return copy;
+}
 
 void package_folder::addProgram(const std::string& name) const { addStandIn(programs() / name); }
 

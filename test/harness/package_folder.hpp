@@ -21,7 +21,8 @@ struct run_record_t {
 };
 
 /// A firmware package in a temporary folder, removed again at the end: the layout of a real one,
-/// and a folder of stand-ins that record how they are run.
+/// and a folder of stand-ins that record how they are run. Every user can read it, wherever the
+/// tests were built and whatever their umask and TMPDIR.
 class package_folder {
 public:
     /// Makes a complete package; its core program and all programs on its PATH are stand-ins.
@@ -37,6 +38,10 @@ public:
 
     void write(const std::string& name, const std::string& text) const;
     void remove(const std::string& name) const;
+
+    /// Copies a program or a script into the package, as other users may not get at its own place.
+    /// @return the path of the copy, which every user can run
+    std::filesystem::path copyForEveryone(const std::filesystem::path& program) const;
 
     /// Adds a stand-in to the PATH, one of "which", "clear", "less", "more", "cat" or any other.
     void addProgram(const std::string& name) const;

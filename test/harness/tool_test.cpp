@@ -21,6 +21,11 @@ tool_test::tool_test() {
     program.directory = package.tool().string();
 }
 
+void tool_test::runAsNobody() {
+    program.user = nobody;
+    program.path = package.copyForEveryone(program.path).string();
+}
+
 void tool_test::start(int rows, int columns) {
     session = std::make_unique<terminal_session>(program, rows, columns);
 }

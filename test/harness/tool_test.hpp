@@ -9,6 +9,9 @@
 #include "harness/package_folder.hpp"
 #include "harness/terminal_session.hpp"
 
+/// A user without any rights, as Debian has one.
+constexpr uid_t nobody = 65534;
+
 /// @return the path of the built program that the tests run
 std::string programUnderTest();
 
@@ -16,6 +19,9 @@ std::string programUnderTest();
 class tool_test : public testing::Test {
 protected:
     tool_test();
+
+    /// The program is to be started by another user than root, one without any rights.
+    void runAsNobody();
 
     /// Starts the program; what differs from the usual is set in `program` before.
     void start(int rows = 24, int columns = 80);

@@ -278,7 +278,7 @@ TEST_P(package_check_test, FindsThePackageUnderAnyName) {
 
 TEST_P(package_check_test, SaysWhatItMayNotRead) {
     fs::permissions(package.root() / releaseFile, fs::perms(0));
-    script.user = 65534;
+    runScriptAsNobody();
     const outcome_t outcome = check();
     EXPECT_EQ(1, outcome.status);
     EXPECT_EQ(releaseFile + ": cannot be read; chmod a+r it, or check as root\n", outcome.output);

@@ -95,6 +95,6 @@ TEST_F(package_create_test, LeavesNothingWhenItIsInterrupted) {
 TEST_F(package_create_test, LeavesNothingWhereItMayNotRead) {
     fs::permissions(package.root() / "fw.bin", fs::perms(0600));
     fs::permissions(out(), fs::perms(0777));
-    script.user = 65534;
+    runScriptAsNobody();
     expectNothingMade(create(), "create: cannot copy ./fw.bin\n");
 }

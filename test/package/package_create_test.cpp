@@ -123,7 +123,7 @@ TEST_F(package_made_test, MakesTheSameArchiveForAnyUserAndInAnyFolder) {
     umask(old);
     fs::create_directory(package.root() / "other");
     fs::permissions(package.root() / "other", fs::perms(02777));
-    script.user = 65534;
+    runScriptAsNobody();
     expectMade(create({"--output=other/varn-2.41"}));
     EXPECT_TRUE(first == contentOf(package.root() / "other/varn-2.41.tar"));
 }

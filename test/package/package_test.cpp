@@ -16,7 +16,7 @@ outcome_t package_script::run(const std::vector<std::string>& words,
     program_t program;
     program.path = shell.front();
     program.arguments = shell;
-    program.arguments.emplace_back(PACKAGE_SCRIPT);
+    program.arguments.push_back(path);
     program.arguments.insert(program.arguments.end(), words.begin(), words.end());
     program.environment = environment;
     program.directory = directory.string();
@@ -34,6 +34,11 @@ std::string contentOf(const fs::path& path) {
     std::ostringstream text;
     text << file.rdbuf();
     return text.str();
+}
+
+void package_test::runScriptAsNobody() {
+    script.user = nobody;
+    script.path = package.copyForEveryone(script.path).string();
 }
 
 package_create_test::package_create_test() {

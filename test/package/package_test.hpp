@@ -9,6 +9,7 @@
 struct package_script {
     std::vector<std::string> shell{"/bin/sh"};  ///< with its arguments
     std::map<std::string, std::string> environment{{"PATH", "/usr/bin:/bin"}};
+    std::string path = PACKAGE_SCRIPT;
     uid_t user = 0;
 
     outcome_t run(const std::vector<std::string>& words,
@@ -35,6 +36,9 @@ protected:
     }
 
     outcome_t check() const { return run({"check", "."}); }
+
+    /// The script is to be run by another user than root, one without any rights.
+    void runScriptAsNobody();
 
     package_script script;
 };

@@ -108,7 +108,7 @@ TEST_F(package_usage_test, CreatesAtATimeThatIsANumber) {
 TEST_F(package_usage_test, SaysWhichPackageItMayNotEnter) {
     fs::create_directory(package.root() / "closed");
     fs::permissions(package.root() / "closed", fs::perms(0));
-    script.user = 65534;
+    runScriptAsNobody();
     const outcome_t outcome = run({"check", "closed"});
     EXPECT_EQ(1, outcome.status);
     EXPECT_EQ("", outcome.output);
