@@ -191,7 +191,7 @@ TEST_P(misbehaving_child_test, ReadsAllInputLineByLine) {
 }
 
 TEST_P(misbehaving_child_test, FloodsTheTerminal) {
-    run("flood 100");
+    run("flood 10");
     expectMenuBehindItsEnd();
     EXPECT_NE(std::string::npos, session->output().find("that was all"));
 }

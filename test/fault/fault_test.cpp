@@ -137,7 +137,19 @@ class typed_at_held_drawing_test : public held_drawing_test,
 class early_signal_test : public fault_test {};
 
 class fault_row_test : public fault_test, public testing::WithParamInterface<fault_row_t> {};
-class fault_sweep_test : public fault_test, public testing::WithParamInterface<const char*> {};
+
+/// Which calls of a name fail, each in a run of its own: the first, and every one so many later.
+struct sweep_t {
+    sweep_t(const char* name, int from = 1, int every = 1) : call(name), first(from), step(every) {}
+
+    const char* call;
+    int first;
+    int step;
+};
+
+void PrintTo(const sweep_t& sweep, std::ostream* out) { *out << sweep.call; }
+
+class fault_sweep_test : public fault_test, public testing::WithParamInterface<sweep_t> {};
 
 }  // namespace
 
@@ -350,30 +362,39 @@ TEST_F(fault_test, RefusesAReleaseFileThatBreaksOffWithinALine) {
 // thing that ends it by SIGABRT.
 TEST_P(fault_sweep_test, EndsOrderlyWhereverItFails) {
     const std::set<int> orderly{0, 128 + SIGABRT};
-    for (int call = 1;; ++call) {
+    const sweep_t sweep = GetParam();
+    for (int call = sweep.first;; call += sweep.step) {
         package.remove("fault.log");
         const std::string at = std::to_string(call);
-        start(std::string(GetParam()) + ":" + at + ":" + at + ":EIO");
+        start(std::string(sweep.call) + ":" + at + ":" + at + ":EIO");
         const int status = walk();
         if (!hasFailed()) {
-            EXPECT_GT(call, 1) << "never called";
+            EXPECT_GT(call, sweep.first) << "never called";
             break;
         }
-        EXPECT_TRUE(orderly.contains(status)) << GetParam() << " " << call << ": " << status;
+        EXPECT_TRUE(orderly.contains(status)) << sweep.call << " " << call << ": " << status;
         EXPECT_TRUE(status == 0 || session->output().find("terminate") != std::string::npos);
         expectNothingLeftBehind();
     }
 }
 
+// A drawing consists of them: one sweep would take longer than all others together.
+constexpr int putpSweeps = 4;
+INSTANTIATE_TEST_SUITE_P(
+    Putp, fault_sweep_test,
+    testing::Values(sweep_t{"putp", 1, putpSweeps}, sweep_t{"putp", 2, putpSweeps},
+                    sweep_t{"putp", 3, putpSweeps}, sweep_t{"putp", 4, putpSweeps}),
+    [](const auto& sweep) { return "From" + std::to_string(sweep.param.first); });
+
 INSTANTIATE_TEST_SUITE_P(Calls, fault_sweep_test,
                          testing::Values("fileno", "getrlimit", "tcgetattr", "tcsetattr",
-                                         "setupterm", "tigetstr", "tparm", "putp", "getcwd",
-                                         "getenv TERM", "access", "fopen", "read file",
+                                         "setupterm", "tigetstr", "tparm", "getcwd", "getenv TERM",
+                                         "access", "fopen", "read file",
                                          "posix_spawn_file_actions_init", "posix_spawnp", "waitpid",
                                          "epoll_create1", "epoll_ctl", "epoll_pwait", "tcdrain",
                                          "write", "read terminal"),
-                         [](const auto& call) {
-                             std::string name = call.param;
+                         [](const auto& sweep) {
+                             std::string name = sweep.param.call;
                              std::replace(name.begin(), name.end(), ' ', '_');
                              return name;
                          });

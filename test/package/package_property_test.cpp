@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::uint32_t seed = 20261121;
-constexpr int packageCount = 600;
+constexpr int packageCount = 200;
 constexpr int packagesPerRefusal = 4;  // one of so many refusals is seen by the program, too
 constexpr int createdCount = 60;
 
