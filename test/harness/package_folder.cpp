@@ -35,8 +35,7 @@ fs::path makeTemporaryFolder() {
         throw std::runtime_error("mkdtemp failed");
     }
     fs::permissions(name, fs::perms(0755));
-    // What a test puts into it is for others, too. No bit is added, as script/coverage needs 0.
-    umask(umask(0) & 022);
+    umask(022);  // what a test puts into it is for others, too
     return name;
 }
 
