@@ -1,0 +1,113 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "harness/package_folder.hpp"
+#include "harness/program.hpp"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// script/setup on a system where every package that is there, or on offer, has one version.
+class setup_test : public testing::Test {
+protected:
+    setup_test() {
+        addProgram("dpkg-query", R"(test -n "$INSTALLED" && echo "installed $INSTALLED")");
+        addProgram("apt-cache", R"(echo "  Candidate: $ON_OFFER")");
+        addProgram("apt-get", R"(echo "apt-get $*")");
+    }
+
+    outcome_t setUp(const std::vector<std::string>& purposes) const {
+        program_t program;
+        program.path = "/bin/sh";
+        program.arguments = {"sh", SCRIPT_FOLDER "/setup"};
+        program.arguments.insert(program.arguments.end(), purposes.begin(), purposes.end());
+        program.environment = environment;
+        program.directory = "/";
+        return outcomeOf(program);
+    }
+
+    /// @return the words of the one command that installs, with a blank after each
+    std::string installed(const std::vector<std::string>& purposes) const {
+        const std::string all = setUp(purposes).output;
+        const std::size_t begin = all.find("apt-get install");
+        return begin == std::string::npos ? "" : all.substr(begin, all.size() - begin - 1) + " ";
+    }
+
+    package_folder folder;
+    std::map<std::string, std::string> environment{
+        {"PATH", folder.programs().string() + ":/usr/bin:/bin"}, {"ON_OFFER", "3.25.1"}};
+
+private:
+    void addProgram(const std::string& name, const std::string& text) const {
+        std::ofstream(folder.programs() / name) << "#!/bin/sh\n" << text << "\n";
+        fs::permissions(folder.programs() / name, fs::perms(0755));
+    }
+};
+
+bool hasWord(const std::string& text, const std::string& word) {
+    return text.find(" " + word + " ") != std::string::npos;
+}
+
+}  // namespace
+
+TEST_F(setup_test, DoesNothingWhereAllIsThere) {
+    environment["INSTALLED"] = "3.25.1";
+    const outcome_t outcome = setUp({});
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_EQ("", outcome.output + outcome.errors);
+}
+
+TEST_F(setup_test, InstallsWhatThePurposeNeedsAlone) {
+    const std::string build = installed({"build"});
+    EXPECT_TRUE(hasWord(build, "g++") && hasWord(build, "cmake")) << build;
+    EXPECT_FALSE(hasWord(build, "libgtest-dev") || hasWord(build, "clang")) << build;
+}
+
+TEST_F(setup_test, InstallsWhatThePurposesBelowNeed) {
+    const std::string test = installed({"test"});
+    EXPECT_TRUE(hasWord(test, "g++") && hasWord(test, "libgtest-dev")) << test;
+    EXPECT_FALSE(hasWord(test, "valgrind")) << test;
+    const std::string check = installed({});
+    EXPECT_TRUE(hasWord(check, "g++") && hasWord(check, "valgrind") && hasWord(check, "shellcheck"))
+        << check;
+}
+
+TEST_F(setup_test, ReplacesAVersionThatIsTooOld) {
+    environment["INSTALLED"] = "3.18.4";
+    EXPECT_TRUE(installed({"build"}).ends_with(" cmake ")) << installed({"build"});
+}
+
+TEST_F(setup_test, SaysWhatThisSystemCannotInstall) {
+    for (const std::string version : {"3.18.4", "(none)", ""}) {
+        environment["ON_OFFER"] = version;
+        environment["INSTALLED"] = "3.18.4";
+        const outcome_t outcome = setUp({"build"});
+        EXPECT_EQ(1, outcome.status);
+        EXPECT_TRUE(outcome.errors.ends_with(
+            " has no cmake>=3.21; use Debian 12 or 13, which have all that is needed\n"))
+            << outcome.errors;
+        EXPECT_EQ(std::string::npos, outcome.output.find("apt-get install")) << outcome.output;
+    }
+}
+
+TEST_F(setup_test, KnowsItsPurposes) {
+    const outcome_t outcome = setUp({"build", "nothing"});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("setup: no such purpose: nothing\n", outcome.output + outcome.errors);
+}
+
+TEST(TestScript, SaysThatItNeedsRoot) {
+    const package_folder folder;
+    program_t program;
+    program.path = folder.copyForEveryone(SCRIPT_FOLDER "/test").string();
+    program.arguments = {"test"};
+    program.environment = {{"PATH", "/usr/bin:/bin"}};
+    program.directory = "/";
+    program.user = 65534;
+    const outcome_t outcome = outcomeOf(program);
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("test: missing: root, as the menu is for administrators\n",
+              outcome.output + outcome.errors);
+}
