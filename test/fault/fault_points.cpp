@@ -1,17 +1,5 @@
 // Lets calls of the program fail. Linked into a static build of it with the linker's --wrap, so
-// that the calls within the C library and terminfo are met as well. The environment says what
-// fails:
-//
-//   FAULT=CALL:FIRST:LAST:ERROR   the calls FIRST to LAST of this one fail with this errno; "short"
-//                                 and "eof" are errors of write and read alone, "out-of-range"
-//                                 and "integer" are exceptions that waitpid throws, "stopped" is
-//                                 its report of a child that has not ended; a main that fails has
-//                                 no arguments, not even the program's own name; "window" and
-//                                 "continue" are signals that come in right before epoll_pwait,
-//                                 which does not fail, and "held" is a tcdrain that takes its time,
-//                                 with interruptions before that where several calls are to fail
-//   FAULT_LOG=FILE                is created once a call has failed
-//   FAULT_HOLD=FIFO               ends what is held once somebody opens it for writing
+// that the calls within the C library and terminfo are met as well. See wanted_fault.hpp for which.
 //
 // Child programs know nothing of it, as they get an environment of their own.
 
@@ -20,7 +8,6 @@
 #include <spawn.h>
 #include <sys/epoll.h>
 #include <sys/resource.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <time.h>
@@ -34,93 +21,13 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "fault/wanted_fault.hpp"
+
 extern "C" char* __real_getenv(const char* name);
 
 namespace {
 
-constexpr int shortCount = -2;
-constexpr int endOfFile = -3;
-constexpr int throwOutOfRange = -4;
-constexpr int throwInteger = -5;
-constexpr int stopped = -6;
-constexpr int windowSignal = -7;
-constexpr int continueSignal = -8;
-constexpr int held = -9;
-
 int releaseFile = -1;
-
-struct fault_t {
-    char call[64] = "";
-    int first = 0;
-    int last = 0;
-    int error = 0;
-    int seen = 0;
-};
-
-int errorNumber(const char* name) {
-    static constexpr struct {
-        const char* name;
-        int number;
-    } errors[] = {{"EIO", EIO},
-                  {"ENOSPC", ENOSPC},
-                  {"EAGAIN", EAGAIN},
-                  {"EINTR", EINTR},
-                  {"EBADF", EBADF},
-                  {"EMFILE", EMFILE},
-                  {"EPERM", EPERM},
-                  {"ENOENT", ENOENT},
-                  {"EACCES", EACCES},
-                  {"ENOMEM", ENOMEM},
-                  {"E2BIG", E2BIG},
-                  {"ECHILD", ECHILD},
-                  {"short", shortCount},
-                  {"eof", endOfFile},
-                  {"out-of-range", throwOutOfRange},
-                  {"integer", throwInteger},
-                  {"stopped", stopped},
-                  {"window", windowSignal},
-                  {"continue", continueSignal},
-                  {"held", held}};
-    for (const auto& error : errors) {
-        if (std::strcmp(error.name, name) == 0) {
-            return error.number;
-        }
-    }
-    std::abort();
-}
-
-fault_t& fault() {
-    static fault_t wanted = [] {
-        fault_t read;
-        char error[24] = "";
-        const char* text = __real_getenv("FAULT");
-        if (text != nullptr && std::sscanf(text, "%63[^:]:%d:%d:%23s", read.call, &read.first,
-                                           &read.last, error) == 4) {
-            read.error = errorNumber(error);
-        }
-        return read;
-    }();
-    return wanted;
-}
-
-/// @return the error of this call of that name, 0 where it is to succeed
-int errorOf(const char* call) {
-    fault_t& wanted = fault();
-    if (std::strcmp(wanted.call, call) != 0) {
-        return 0;
-    }
-    ++wanted.seen;
-    if (wanted.seen < wanted.first || wanted.seen > wanted.last) {
-        return 0;
-    }
-    const char* log = __real_getenv("FAULT_LOG");
-    if (log != nullptr) {
-        syscall(SYS_close,
-                syscall(SYS_openat, AT_FDCWD, log, O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
-    }
-    errno = wanted.error;
-    return wanted.error;
-}
 
 }  // namespace
 
@@ -274,7 +181,7 @@ int __wrap_epoll_pwait(int instance, epoll_event* events, int most, int millisec
 int __real_tcdrain(int descriptor);
 int __wrap_tcdrain(int descriptor) {
     const int error = errorOf("tcdrain");
-    if (error == held && fault().seen < fault().last) {
+    if (error == held && isMoreToFail()) {
         errno = EINTR;
         return -1;
     }

@@ -1,14 +1,8 @@
-#include <sys/stat.h>
-#include <sys/syscall.h>
+#include "fault/fault_test.hpp"
 
 #include <algorithm>
 #include <csignal>
-#include <filesystem>
-#include <fstream>
 #include <ostream>
-
-#include "harness/process_state.hpp"
-#include "harness/tool_test.hpp"
 
 namespace {
 
@@ -17,124 +11,13 @@ constexpr const char* normalEnd = "Exitting program 'varnmenu' due to user norma
 
 struct fault_row_t {
     const char* name;
-    const char* fault;   ///< see fault_points.cpp
+    const char* fault;   ///< see wanted_fault.hpp
     const char* text;    ///< what the user is told
     int exitStatus = 0;  ///< 128 and the signal's number for a death by a signal
     const char* arguments = "";
 };
 
 void PrintTo(const fault_row_t& row, std::ostream* out) { *out << row.fault; }
-
-struct typed_row_t {
-    const char* name;
-    std::string bytes;
-};
-
-void PrintTo(const typed_row_t& row, std::ostream* out) { *out << row.name; }
-
-std::string pastedList() {
-    std::string list;
-    for (int number = 1; number <= 100; ++number) {
-        list += std::to_string(number % 10) + " server\r";
-    }
-    return list;
-}
-
-/// The program with a call that fails, and a user who reads a document, flashes and leaves.
-class fault_test : public tool_test {
-protected:
-    void start(const std::string& fault, const std::string& argument = "") {
-        package.remove("programs/less");
-        package.let("more", "show");
-        program.path = FAULT_PROGRAM;
-        if (!argument.empty()) {
-            program.arguments.push_back(argument);
-        }
-        program.environment["FAULT"] = fault;
-        program.environment["FAULT_LOG"] = (package.root() / "fault.log").string();
-        tool_test::start(24, 120);
-    }
-
-    bool hasFailed() const { return std::filesystem::exists(package.root() / "fault.log"); }
-
-    bool isMenuShown() const {
-        const auto rows = session->screen().rows();
-        return rows.size() > 3 && rows[rows.size() - 3].starts_with(">") &&
-               !session->screen().contains("Press ENTER");
-    }
-
-    /// Goes through document, flash and Exit. ENTER confirms whatever asks for it on the way; and
-    /// where a key has changed nothing, the question may have got lost.
-    /// @return exit status as a shell counts
-    int walk() {
-        std::vector<std::string> choices{"8", "1", "5"};
-        std::string before;
-        for (int keys = 0; keys < mostKeys && session->awaitKeyWaitOrEnd(); ++keys) {
-            const std::string now = session->screen().text();
-            const bool isChosen = session->screen().contains("\n> " + choices.back() + "\n");
-            if (isMenuShown() && !isChosen && now != before) {
-                session->press(choices.back());
-            } else {
-                if (isMenuShown() && isChosen && choices.size() > 1) {
-                    choices.pop_back();
-                }
-                session->press("\r");
-            }
-            before = now;
-        }
-        return awaitEnd();
-    }
-
-    /// A child that was not waited for may be hung up with the session, and so never come to its
-    /// own end.
-    void expectNothingLeftBehind() {
-        expectTerminalRestored();
-        const auto isOver = [](const run_record_t& run) { return !isAlive(run.process); };
-        session->await(
-            [&] {
-                const auto runs = package.runs();
-                return std::all_of(runs.begin(), runs.end(), isOver);
-            },
-            "the children to end");
-    }
-
-private:
-    static constexpr int mostKeys = 40;
-};
-
-/// A terminal that is still busy with a drawing when its user types.
-class held_drawing_test : public fault_test {
-protected:
-    /// @param drain of which drawing, 1 for the first
-    /// @param interruptions how many there are before it is held up
-    void startWithHeld(int drain, int interruptions = 0) {
-        mkfifo(fifo.c_str(), 0600);
-        program.environment["FAULT_HOLD"] = fifo;
-        start("tcdrain:" + std::to_string(drain) + ":" + std::to_string(drain + interruptions) +
-              ":held");
-    }
-
-    void awaitHold() {
-        const auto isHeld = [this] {
-            return hasFailed() && currentSystemCall(session->process()).number == SYS_openat;
-        };
-        session->await(isHeld, "the drawing to be held up");
-    }
-
-    void endHold() { std::ofstream{fifo}; }
-
-    bool isNothingChosen() const {
-        return isMenuShown() && !session->screen().contains("[WARN]") &&
-               package.runs().size() == 1;  // the question at the start
-    }
-
-    const std::string fifo = (package.root() / "hold").string();
-};
-
-class typed_at_held_drawing_test : public held_drawing_test,
-                                   public testing::WithParamInterface<typed_row_t> {};
-
-class early_signal_test : public fault_test {};
 
 class fault_row_test : public fault_test, public testing::WithParamInterface<fault_row_t> {};
 
@@ -252,97 +135,6 @@ INSTANTIATE_TEST_SUITE_P(
                     fault_row_t{"RedrawNotWritten", "write:3:3:EIO", normalEnd},
                     fault_row_t{"MenuInPieces", "write:1:500:short", normalEnd}),
     [](const auto& row) { return row.param.name; });
-
-// Nobody can have seen the menu yet.
-TEST_P(typed_at_held_drawing_test, ChoosesNothing) {
-    startWithHeld(1);
-    awaitHold();
-    session->type(GetParam().bytes);
-    endHold();
-    session->awaitKeyWait();
-    EXPECT_TRUE(isNothingChosen()) << session->screen().text();
-    session->press("3");
-    session->awaitScreen("\n> 3\n");
-}
-
-INSTANTIATE_TEST_SUITE_P(Typed, typed_at_held_drawing_test,
-                         testing::Values(typed_row_t{"Note", "Steps:\r4 images to do\r\r"},
-                                         typed_row_t{"List", pastedList()},
-                                         typed_row_t{"LineEnd", "1\r\n"}, typed_row_t{"Key", "x"}),
-                         [](const auto& row) { return row.param.name; });
-
-// The line feed is what the carriage return before it brought along.
-TEST_F(held_drawing_test, TakesTheSecondByteOfALineEndForNoEnter) {
-    startWithHeld(3);
-    session->press("1");
-    session->press("x");
-    session->awaitScreen("Press ENTER");
-    session->press("\r");
-    awaitHold();
-    session->type("\n");
-    endHold();
-    session->awaitKeyWait();
-    EXPECT_TRUE(isNothingChosen()) << session->screen().text();
-    EXPECT_TRUE(session->screen().contains("\n> 1\n"));
-}
-
-// A stop, for one, interrupts it.
-TEST_F(held_drawing_test, IsWaitedForAfterAnInterruption) {
-    startWithHeld(1, 3);
-    awaitHold();
-    session->type("x");
-    endHold();
-    session->awaitKeyWait();
-    EXPECT_TRUE(isNothingChosen()) << session->screen().text();
-}
-
-TEST_F(held_drawing_test, DoesNotKeepASignalFromEndingTheProgram) {
-    startWithHeld(1);
-    awaitHold();
-    session->signal(SIGTERM);
-    EXPECT_EQ(128 + SIGTERM, awaitEnd());
-    expectTerminalRestored();
-}
-
-// What the terminal has not taken yet is not drawn over: that follows.
-TEST_F(held_drawing_test, IsFollowedByTheDrawingForANewWindow) {
-    startWithHeld(1);
-    awaitHold();
-    const std::size_t before = session->output().size();
-    session->resize(30, 100);
-    endHold();
-    session->awaitKeyWait();
-    EXPECT_NE(std::string::npos, session->output().find("\x1b[H\x1b[2J", before));
-}
-
-// Neither is lost when it comes in between the last look and the wait.
-TEST_F(early_signal_test, OfTheWindowDrawsTheMenuAnew) {
-    start("epoll_pwait:1:1:window");
-    const std::string title = "This tool will update";
-    session->await(
-        [&] {
-            const std::size_t first = session->output().find(title);
-            return first != std::string::npos &&
-                   session->output().find(title, first + 1) != std::string::npos;
-        },
-        "a second drawing");
-    EXPECT_TRUE(hasFailed());
-}
-
-TEST_F(early_signal_test, AfterAStopTakesTheTerminalsModeBack) {
-    package.let("varnflash", "print written");
-    for (const char* wait : {"1", "3", "4"}) {
-        package.remove("fault.log");
-        start(std::string("epoll_pwait:") + wait + ":" + wait + ":continue");
-        session->press("1");
-        session->press("\r");
-        session->awaitScreen("written");
-        session->press("\r");
-        session->awaitKeyWait();
-        EXPECT_TRUE(hasFailed());
-        EXPECT_FALSE(session->terminal().isCooked()) << wait;
-    }
-}
 
 // What was read of that line is not to be taken for the whole value.
 TEST_F(fault_test, RefusesAReleaseFileThatBreaksOffWithinALine) {
