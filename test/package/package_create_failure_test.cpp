@@ -5,7 +5,8 @@
 namespace fs = std::filesystem;
 
 TEST_F(package_create_test, NeverOverwrites) {
-    for (const std::string name : {"varn-2.41", "varn-2.41.tar", "varn-2.41.tar.sha256"}) {
+    for (const std::string name :
+         {"varn-2.41", "varn-2.41.tar", "varn-2.41.tar.sha256"}) {
         std::ofstream(out() / name) << "precious\n";
         const outcome_t outcome = create();
         EXPECT_EQ(1, outcome.status);
@@ -42,10 +43,10 @@ TEST_F(package_create_test, NoticesThatImageAndCoreProgramAreMixedUp) {
 TEST_F(package_create_test, SaysWhatItCannotTake) {
     fs::create_directory(package.root() / "folder");
     expectNothingMade(create({"--image=folder"}), "create: ./folder is not a regular file\n");
-    expectNothingMade(create({"--image=folder/"}), "create: ./folder/ is not a regular file\n");
-    expectNothingMade(create({"--core=nowhere"}), "create: ./nowhere is not a regular file\n");
+    expectNothingMade(create({"--core=nowhere"}), "create: ./nowhere is missing\n");
     expectNothingMade(create({"--tool=/dev/zero"}), "create: /dev/zero is not a regular file\n");
     expectNothingMade(create({"--documents=fw.bin"}), "create: ./fw.bin is not a directory\n");
+    expectNothingMade(create({"--documents=nowhere"}), "create: ./nowhere is missing\n");
     expectNothingMade(create({"--output=fw.bin/x"}), "create: cannot make ./fw.bin/x\n");
 }
 
@@ -76,7 +77,7 @@ TEST_F(package_create_test, LeavesNothingWhenACopyFails) {
 }
 
 TEST_F(package_create_test, LeavesNothingWhenTheArchiveFails) {
-    replaceProgram("tar", "echo half of it; exit 2");
+    replaceTar("echo half of it; exit 2");
     expectNothingMade(create(), "create: cannot write ./out/varn-2.41.tar\n");
 }
 
@@ -86,9 +87,11 @@ TEST_F(package_create_test, LeavesNothingWhenTheChecksumFails) {
 }
 
 TEST_F(package_create_test, LeavesNothingWhenItIsInterrupted) {
-    for (const auto& [signal, number] : {std::pair{"HUP", 1}, {"INT", 2}, {"TERM", 15}}) {
-        replaceProgram("tar", std::string("kill -") + signal + " $PPID");
+    for (const auto& [signal, number] :
+         {std::pair{"HUP", 1}, {"INT", 2}, {"QUIT", 3}, {"PIPE", 13}, {"TERM", 15}}) {
+        replaceTar("ls out >seen; kill -" + std::string(signal) + " $PPID");
         expectNothingMade(create(), "", 128 + number);
+        EXPECT_EQ("varn-2.41\nvarn-2.41.tar\n", contentOf(package.root() / "seen"));
     }
 }
 
@@ -97,4 +100,23 @@ TEST_F(package_create_test, LeavesNothingWhereItMayNotRead) {
     fs::permissions(out(), fs::perms(0777));
     runScriptAsNobody();
     expectNothingMade(create(), "create: cannot copy ./fw.bin\n");
+}
+
+TEST_F(package_create_test, SaysThatItMayNotEnterTheDocuments) {
+    fs::create_directory(package.root() / "documents");
+    fs::permissions(package.root() / "documents", fs::perms(0));
+    fs::permissions(out(), fs::perms(0777));
+    script.user = 65534;
+    expectNothingMade(create({"--documents=documents"}), "create: ./documents cannot be entered\n");
+}
+
+TEST_F(package_create_test, SaysWhichProgramTheSystemLacks) {
+    for (const std::string name : {"od", "sha256sum"}) {
+        removeProgram(name);
+        expectNothingMade(create(), "varnmenu-package: create: this system has no " + name +
+                                        "; install coreutils\n");
+        package.remove("without");
+    }
+    replaceProgram("tar", "echo some other tar");
+    expectNothingMade(create(), "varnmenu-package: create: needs GNU tar; install it\n");
 }

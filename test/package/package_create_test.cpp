@@ -78,7 +78,7 @@ TEST_F(package_made_test, MakesAPackageThatStarts) {
 TEST_F(package_made_test, TakesTheToolBesideIt) {
     fs::create_directory(package.root() / "installed");
     fs::copy_file(PACKAGE_SCRIPT, package.root() / "installed/varnmenu-package");
-    package.write("installed/varnmenu", "#!beside\n");
+    package.write("installed/varnmenu", "#!/beside\n");
     fs::create_symlink("installed/varnmenu-package", package.root() / "varnmenu-package");
     std::vector<std::string> words{"create",       "--image=fw.bin", "--core=tool/varnflash",
                                    "--release=1",  "--sdr=2",        "--system=RX",
@@ -93,8 +93,8 @@ TEST_F(package_made_test, TakesTheToolBesideIt) {
         call.directory = package.root().string();
         expectMade(outcomeOf(call));
     }
-    EXPECT_EQ("#!beside\n", contentOf(out() / "made/tool/varnmenu"));
-    EXPECT_EQ("#!beside\n", contentOf(out() / "installedmade/tool/varnmenu"));
+    EXPECT_EQ("#!/beside\n", contentOf(out() / "made/tool/varnmenu"));
+    EXPECT_EQ("#!/beside\n", contentOf(out() / "installedmade/tool/varnmenu"));
 }
 
 TEST_F(package_made_test, MakesTheSameArchiveFromTheSameFiles) {
@@ -171,6 +171,10 @@ TEST_F(package_made_test, WorksUnderAnyName) {
         const outcome_t checked = runSystems({"sha256sum", "-c", "./" + bare + ".tar.sha256"});
         EXPECT_EQ(0, checked.status) << name << checked.errors;
     }
+}
+
+TEST_F(package_made_test, NeedsANameForItsOutput) {
+    EXPECT_EQ(2, create({"--output=/"}).status);
 }
 
 TEST_F(package_made_test, WorksInEachShell) {

@@ -11,6 +11,10 @@ const std::vector<std::vector<std::string>>& shells() {
     return all;
 }
 
+std::string shellName(const testing::TestParamInfo<std::vector<std::string>>& info) {
+    return fs::path(info.param.front()).filename().string();
+}
+
 outcome_t package_script::run(const std::vector<std::string>& words,
                               const fs::path& directory) const {
     program_t program;
@@ -27,6 +31,9 @@ outcome_t package_script::run(const std::vector<std::string>& words,
 void addStandInTool(const package_folder& package) {
     package.write("tool/varnmenu", "#!/bin/sh\n");
     fs::permissions(package.tool() / "varnmenu", fs::perms(0755));
+    for (const auto& entry : fs::recursive_directory_iterator(package.root())) {
+        fs::permissions(entry, fs::perms(0022), fs::perm_options::remove);
+    }
 }
 
 std::string contentOf(const fs::path& path) {
@@ -39,6 +46,28 @@ std::string contentOf(const fs::path& path) {
 void package_test::runScriptAsNobody() {
     script.user = nobody;
     script.path = package.copyForEveryone(script.path).string();
+}
+
+void package_test::replaceProgram(const std::string& name, const std::string& text) {
+    const fs::path replacements = package.root() / "replacements";
+    fs::create_directories(replacements);
+    std::ofstream(replacements / name) << "#!/bin/sh\n" << text << "\n";
+    fs::permissions(replacements / name, fs::perms(0755));
+    script.environment["PATH"] = replacements.string() + ":/usr/bin:/bin";
+}
+
+void package_test::removeProgram(const std::string& name) {
+    const fs::path others = package.root() / "without";
+    fs::create_directory(others);
+    for (const fs::path folder : {"/bin", "/usr/bin"}) {
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            const fs::path file = entry.path().filename();
+            if (file != name && !fs::exists(fs::symlink_status(others / file))) {
+                fs::create_symlink(entry.path(), others / file);
+            }
+        }
+    }
+    script.environment["PATH"] = others.string();
 }
 
 package_create_test::package_create_test() {
@@ -71,14 +100,6 @@ void package_create_test::expectNothingMade(const outcome_t& outcome, const std:
     EXPECT_EQ("", outcome.output);
     EXPECT_TRUE(outcome.errors.ends_with(message)) << outcome.errors;
     EXPECT_TRUE(fs::is_empty(out()));
-}
-
-void package_create_test::replaceProgram(const std::string& name, const std::string& text) {
-    const fs::path replacements = package.root() / "replacements";
-    fs::create_directories(replacements);
-    std::ofstream(replacements / name) << "#!/bin/sh\n" << text << "\n";
-    fs::permissions(replacements / name, fs::perms(0755));
-    script.environment["PATH"] = replacements.string() + ":/usr/bin:/bin";
 }
 
 void expectMade(const outcome_t& outcome) {

@@ -22,7 +22,11 @@ std::string contentOf(const std::filesystem::path& path);
 /// The shells that the script is to work with.
 const std::vector<std::vector<std::string>>& shells();
 
-/// Puts something where the package has its tool that is enough for a check.
+/// What a test that runs in each shell is called.
+std::string shellName(const testing::TestParamInfo<std::vector<std::string>>& info);
+
+/// Puts something where the package has its tool that is enough for a check, and takes from
+/// everybody else what a check would find.
 void addStandInTool(const package_folder& package);
 
 /// A package that the script finds nothing wrong with.
@@ -39,6 +43,17 @@ protected:
 
     /// The script is to be run by another user than root, one without any rights.
     void runScriptAsNobody();
+
+    /// Puts a shell script ahead of a program that the packaging script runs.
+    void replaceProgram(const std::string& name, const std::string& text);
+
+    /// The same with tar, but that it still says which one it is.
+    void replaceTar(const std::string& text) {
+        replaceProgram("tar", "[ \"$1\" != --version ] || exec /bin/tar --version\n" + text);
+    }
+
+    /// Makes a system that lacks one program.
+    void removeProgram(const std::string& name);
 
     package_script script;
 };
@@ -57,9 +72,6 @@ protected:
     /// @param message how standard error ends
     void expectNothingMade(const outcome_t& outcome, const std::string& message,
                            int status = 1) const;
-
-    /// Puts a shell script ahead of a program that the packaging script runs.
-    void replaceProgram(const std::string& name, const std::string& text);
 };
 
 void expectMade(const outcome_t& outcome);

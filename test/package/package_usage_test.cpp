@@ -51,9 +51,18 @@ TEST_F(package_usage_test, ChecksOneDirectory) {
     expectUsageError({"check", "--", ".", "."}, "check: takes one directory");
     expectUsageError({"check", "--deep", "."}, "check: unknown option --deep");
     expectUsageError({"check", "-v"}, "check: unknown option -v");
-    expectUsageError({"check", "nowhere"}, "check: nowhere is not a directory");
+    expectUsageError({"check", "nowhere"}, "check: nowhere does not exist");
     expectUsageError({"check", "fw.bin"}, "check: fw.bin is not a directory");
-    expectUsageError({"check", ""}, "check:  is not a directory");
+    expectUsageError({"check", ""}, "check: an empty name is no package");
+}
+
+TEST_F(package_usage_test, NeedsWhatItLooksIntoProgramsWith) {
+    removeProgram("od");
+    const outcome_t outcome = check();
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("", outcome.output);
+    EXPECT_EQ("varnmenu-package: check: this system has no od; install coreutils\n",
+              outcome.errors);
 }
 
 TEST_F(package_usage_test, EndsOptionsWithTwoDashes) {
