@@ -6,7 +6,7 @@ namespace fs = std::filesystem;
 
 TEST_F(package_create_test, NeverOverwrites) {
     for (const std::string name :
-         {"varn-2.41", "varn-2.41.tar", "varn-2.41.tar.sha256"}) {
+         {"varn-2.41", "varn-2.41.tar", "varn-2.41.tar.sig", "varn-2.41.tar.sha256"}) {
         std::ofstream(out() / name) << "precious\n";
         const outcome_t outcome = create();
         EXPECT_EQ(1, outcome.status);

@@ -29,6 +29,7 @@ TEST_F(package_usage_test, SaysHowItIsUsed) {
     expectHelp({"--help"});
     expectHelp({"check", "--help"});
     expectHelp({"create", "--help"});
+    expectHelp({"verify", "--help"});
     expectHelp({"create", "--image", "fw.bin", "--help"});
 }
 
@@ -39,21 +40,36 @@ TEST_F(package_usage_test, HasTheVersionOfTheTool) {
 }
 
 TEST_F(package_usage_test, NeedsACommandThatItKnows) {
-    expectUsageError({}, "create or check is missing");
-    expectUsageError({"--"}, "create or check is missing");
-    expectUsageError({"verify", "."}, "unknown command verify");
+    expectUsageError({}, "create, check or verify is missing");
+    expectUsageError({"--"}, "create, check or verify is missing");
+    expectUsageError({"inspect", "."}, "unknown command inspect");
     expectUsageError({"--bogus"}, "unknown command --bogus");
 }
 
-TEST_F(package_usage_test, ChecksOneDirectory) {
-    expectUsageError({"check"}, "check: takes one directory");
-    expectUsageError({"check", ".", "."}, "check: takes one directory");
-    expectUsageError({"check", "--", ".", "."}, "check: takes one directory");
+TEST_F(package_usage_test, ChecksOneDirectoryOrArchive) {
+    expectUsageError({"check"}, "check: takes one directory or archive");
+    expectUsageError({"check", ".", "."}, "check: takes one directory or archive");
+    expectUsageError({"check", "--", ".", "."}, "check: takes one directory or archive");
     expectUsageError({"check", "--deep", "."}, "check: unknown option --deep");
     expectUsageError({"check", "-v"}, "check: unknown option -v");
     expectUsageError({"check", "nowhere"}, "check: nowhere does not exist");
-    expectUsageError({"check", "fw.bin"}, "check: fw.bin is not a directory");
+    expectUsageError({"check", "/dev/null"},
+                     "check: /dev/null is neither a directory nor an archive");
     expectUsageError({"check", ""}, "check: an empty name is no package");
+    expectUsageError({"check", ".", "--signers=x"}, "check: unknown option --signers");
+}
+
+TEST_F(package_usage_test, VerifiesOneArchive) {
+    expectUsageError({"verify"}, "verify: takes one archive");
+    expectUsageError({"verify", "a", "b"}, "verify: takes one archive");
+    expectUsageError({"verify", "a", "--", "--signers"}, "verify: takes one archive");
+    expectUsageError({"verify", "--deep", "a"}, "verify: unknown option --deep");
+    expectUsageError({"verify", "nowhere"}, "verify: nowhere does not exist");
+    expectUsageError({"verify", "."}, "verify: . is not an archive");
+    expectUsageError({"verify", "fw.bin", "--signers"}, "verify: --signers needs a value");
+    expectUsageError({"verify", "fw.bin", "--signer="}, "verify: --signer needs a value");
+    expectUsageError({"verify", "fw.bin", "--signer=a"}, "verify: --signer needs --signers, too");
+    expectUsageError({"verify", "fw.bin", "--signers=x"}, "verify: ./x is not a file");
 }
 
 TEST_F(package_usage_test, NeedsWhatItLooksIntoProgramsWith) {
@@ -79,7 +95,7 @@ TEST_F(package_usage_test, CreatesWithOptionsThatItKnows) {
 
 TEST_F(package_usage_test, CreatesWithAValueForEachOption) {
     for (const std::string option : {"--image", "--core", "--release", "--sdr", "--system",
-                                     "--documents", "--output", "--tool"}) {
+                                     "--documents", "--output", "--tool", "--sign"}) {
         expectUsageError({"create", option}, "create: " + option + " needs a value");
         expectUsageError({"create", option, ""}, "create: " + option + " needs a value");
         expectUsageError({"create", option + "="}, "create: " + option + " needs a value");
@@ -99,7 +115,7 @@ TEST_F(package_usage_test, CreatesWithValuesOfOneLine) {
     const std::vector<std::string> words{"create",         "--image=fw.bin", "--core=x",
                                          "--release=2.41", "--sdr=3.07",     "--system=RX",
                                          "--documents=.",  "--output=made"};
-    for (const std::string option : {"--release", "--sdr", "--system", "--image"}) {
+    for (const std::string option : {"--release", "--sdr", "--system"}) {
         auto spoilt = words;
         spoilt.push_back(option + "=a\nb");
         expectUsageError(spoilt, "create: the value of " + option + " holds a line feed");
