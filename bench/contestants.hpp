@@ -6,7 +6,14 @@
 #include <vector>
 
 /// Who is compared; the index of everything that is kept by contestant.
-enum contestant_id_t : std::size_t { ours, whiptail, dialog, limit, contestant_count };
+enum contestant_id_t : std::size_t {
+    ours,
+    whiptail,
+    dialog,
+    limit,
+    watched_limit,
+    contestant_count
+};
 
 /// A program that shows a menu.
 struct contestant_t {
@@ -20,7 +27,8 @@ using contestants_t = std::array<contestant_t, contestant_count>;
 
 /// All show the same eight entries under the same title.
 /// @param package a firmware package with the tool in its tool folder
-/// @param limitProgram the smallest program that shows the menu
+/// @param limitProgram the smallest program that shows the menu, with an argument also with a watch
+/// for each key
 contestants_t makeContestants(const std::string& package, const std::string& limitProgram);
 
 /// The tool in another package.

@@ -11,7 +11,8 @@
 /// What is measured of the contestants. Some of it is only measured of ours.
 enum figure_id_t {
     start_time,
-    system_calls,
+    start_system_calls,
+    arrow_system_calls,
     arrow_latency,
     arrow_latency_99,
     digit_latency,
@@ -27,6 +28,8 @@ enum figure_id_t {
     idle_flash,
     young_latency,
     old_latency,
+    young_processor,
+    old_processor,
     young_descriptors,
     old_descriptors
 };

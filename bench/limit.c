@@ -1,6 +1,7 @@
 // The least that a program has to do to show the main menu: the yardstick of the bench, nothing to
 // ship. It takes what every menu must take from the system and draws the same bytes as varnmenu,
 // but has no second menu, no documents, no flash, no care for signals and hardly any for errors.
+// With any argument it also makes a watch for each key and leaves it open, as varnmenu must.
 
 #define _GNU_SOURCE
 #include <curses.h>
@@ -10,6 +11,7 @@
 #include <stdbool.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/epoll.h>
 #include <sys/wait.h>
 #include <term.h>
 #include <termios.h>
@@ -219,7 +221,20 @@ static bool takeKey(const char* key, size_t length) {
     return true;
 }
 
-static void showMenu(void) {
+static void awaitKeyByPoll(void) {
+    struct pollfd keyboard = {STDIN_FILENO, POLLIN, 0};
+    poll(&keyboard, 1, -1);
+}
+
+static void awaitKeyByWatch(void) {
+    const int watch = epoll_create1(EPOLL_CLOEXEC);
+    struct epoll_event event = {.events = EPOLLIN};
+    epoll_ctl(watch, EPOLL_CTL_ADD, STDIN_FILENO, &event);
+    epoll_wait(watch, &event, 1, -1);
+    epoll_ctl(watch, EPOLL_CTL_DEL, STDIN_FILENO, NULL);
+}
+
+static void showMenu(void (*awaitKey)(void)) {
     put(sequence.clear);
     put(sequence.hide);
     put(sequence.reset);
@@ -230,8 +245,7 @@ static void showMenu(void) {
         while (read(STDIN_FILENO, key, sizeof key) > 0) {
             // What was typed earlier is thrown away.
         }
-        struct pollfd keyboard = {STDIN_FILENO, POLLIN, 0};
-        poll(&keyboard, 1, -1);
+        awaitKey();
         const ssize_t length = read(STDIN_FILENO, key, sizeof key);
         goesOn = length > 0 && takeKey(key, (size_t)length) && redrawMenu();
     }
@@ -240,7 +254,8 @@ static void showMenu(void) {
     flush();
 }
 
-int main(void) {
+int main(int argc, char** argv) {
+    (void)argv;
     struct termios user;
     if (tcgetattr(STDIN_FILENO, &user) != 0) {
         return 1;
@@ -255,7 +270,7 @@ int main(void) {
                        runCoreProgram() == 0 && getuid() == 0;
     if (isFit) {
         loadSequences();
-        showMenu();
+        showMenu(argc > 1 ? awaitKeyByWatch : awaitKeyByPoll);
     }
     tcsetattr(STDIN_FILENO, TCSANOW, &user);
     return 0;

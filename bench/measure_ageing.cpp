@@ -5,13 +5,27 @@
 
 namespace {
 
-/// A session, the keys pressed in it, and their times since the window began.
+/// A session, the keys pressed in it, and what they took since the window began, in microseconds.
 struct aging_session_t {
     timed_session session;
     std::size_t keys = 0;
-    samples_t window{};
+    samples_t latencies{};
+    samples_t processorTimes{};
 
-    void press(key_script& script) { window.push_back(script.press(session, keys++)); }
+    void press(key_script& script) {
+        constexpr double nanosecondsPerMicrosecond = 1000;
+        session.settle();
+        const std::int64_t before = processorTime(session.process());
+        latencies.push_back(script.press(session, keys++));
+        session.settle();
+        processorTimes.push_back(static_cast<double>(processorTime(session.process()) - before) /
+                                 nanosecondsPerMicrosecond);
+    }
+
+    void beginWindow() {
+        latencies.clear();
+        processorTimes.clear();
+    }
 };
 
 }  // namespace
@@ -25,7 +39,7 @@ void measureAgeing(const contestants_t& contestants, const extent_t& extent, fig
         for (std::size_t key = 0; key < extent.oldKeys; ++key) {
             old.press(script);
         }
-        old.window.clear();
+        old.beginWindow();
         aging_session_t young{timed_session(contestant)};
         young.session.awaitFrame(script.firstFrame());
         const auto descriptors = [](const aging_session_t& of) {
@@ -39,7 +53,9 @@ void measureAgeing(const contestants_t& contestants, const extent_t& extent, fig
             }
         }
         figures[old_descriptors].at(ours).push_back(descriptors(old));
-        figures[young_latency].at(ours).push_back(median(young.window));
-        figures[old_latency].at(ours).push_back(median(old.window));
+        figures[young_latency].at(ours).push_back(median(young.latencies));
+        figures[old_latency].at(ours).push_back(median(old.latencies));
+        figures[young_processor].at(ours).push_back(median(young.processorTimes));
+        figures[old_processor].at(ours).push_back(median(old.processorTimes));
     }
 }

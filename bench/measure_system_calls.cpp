@@ -10,6 +10,7 @@
 namespace {
 
 constexpr int quiet = 500;  // milliseconds
+constexpr int keys = 5;     // down: none of them gets to the last entry
 
 /// A file that is removed at the end.
 class temporary_file {
@@ -46,15 +47,30 @@ int callsToLastWrite(const std::string& path) {
     return callsThen;
 }
 
+/// @return the calls up to the drawing for the last of so many keys
+int callsFor(contestant_t contestant, int keyCount) {
+    const temporary_file trace;
+    const std::vector<std::string> strace{"/usr/bin/strace", "-qq", "-o", trace.path()};
+    contestant.command.insert(contestant.command.begin(), strace.begin(), strace.end());
+    {
+        timed_session session(contestant);
+        session.countBytes(quiet);
+        for (int key = 0; key < keyCount; ++key) {
+            session.press("\x1b[B");
+            session.countBytes(quiet);
+        }
+    }
+    return callsToLastWrite(trace.path());
+}
+
 }  // namespace
 
 void measureSystemCalls(const contestants_t& contestants, const extent_t&, figures_t& figures) {
     for (std::size_t id = 0; id < contestant_count; ++id) {
-        const temporary_file trace;
-        contestant_t traced = contestants.at(id);
-        const std::vector<std::string> strace{"/usr/bin/strace", "-qq", "-o", trace.path()};
-        traced.command.insert(traced.command.begin(), strace.begin(), strace.end());
-        timed_session(traced).countBytes(quiet);
-        figures[system_calls].at(id).push_back(callsToLastWrite(trace.path()));
+        const int atStart = callsFor(contestants.at(id), 0);
+        const int withKeys = callsFor(contestants.at(id), keys);
+        figures[start_system_calls].at(id).push_back(atStart);
+        figures[arrow_system_calls].at(id).push_back(static_cast<double>(withKeys - atStart) /
+                                                     keys);
     }
 }

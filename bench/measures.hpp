@@ -23,15 +23,15 @@ void measureStart(const contestants_t& contestants, const extent_t& extent, figu
 /// What an arrow key and a digit cost, and the memory that is taken by then.
 void measureKeys(const contestants_t& contestants, const extent_t& extent, figures_t& figures);
 
-/// The processor time of those who wait: all at the menu, ours at a warning and behind a flash,
-/// too.
+/// The processor time of those who wait: all at the menu, ours at a warning and after a flash, too.
 void measureIdle(const contestants_t& contestants, const extent_t& extent, figures_t& figures);
 
-/// The system calls of the program itself up to the first frame, see strace(1).
+/// The system calls of the program itself up to the first frame and for each arrow key, see
+/// strace(1).
 void measureSystemCalls(const contestants_t& contestants, const extent_t& extent,
                         figures_t& figures);
 
-/// How the first keys of our session differ from those behind many others.
+/// How the first keys of our session differ from those after many others.
 void measureAgeing(const contestants_t& contestants, const extent_t& extent, figures_t& figures);
 
 /// @param package the demo package

@@ -16,7 +16,8 @@ struct line_t {
 
 constexpr std::array lines{
     line_t{start_time, "start to first frame, ms", 2},
-    line_t{system_calls, "system calls to first frame", 0},
+    line_t{start_system_calls, "system calls to first frame", 0},
+    line_t{arrow_system_calls, "system calls per arrow key", 0},
     line_t{arrow_latency, "arrow key to redraw, us", 0},
     line_t{arrow_latency_99, "- 99th percentile", 0},
     line_t{digit_latency, "digit to redraw, us", 0},
@@ -29,9 +30,11 @@ constexpr std::array lines{
     line_t{peak_memory, "peak memory, kB", 0},
     line_t{idle_menu, "idle CPU time at the menu, ms", 3},
     line_t{idle_warning, "- at a warning", 3},
-    line_t{idle_flash, "- behind a flash", 3},
+    line_t{idle_flash, "- after a flash", 3},
     line_t{young_latency, "arrow key to redraw around key 1, us", 0},
     line_t{old_latency, "- around key 500", 0},
+    line_t{young_processor, "CPU time per arrow key around key 1, us", 0},
+    line_t{old_processor, "- around key 500", 0},
     line_t{young_descriptors, "open descriptors at key 1", 0},
     line_t{old_descriptors, "- around key 500", 0},
 };
@@ -68,7 +71,7 @@ void printFigures(std::ostream& out, const figures_t& figures, const contestants
         out << " " << contestant.name << " |";
         rule += " --- |";
     }
-    constexpr std::array others{whiptail, dialog, limit};
+    constexpr std::array others{whiptail, dialog, limit, watched_limit};
     for (const contestant_id_t id : others) {
         out << " / " << contestants.at(id).name << " |";
         rule += " --- |";
