@@ -1,5 +1,7 @@
 #include "harness/process_state.hpp"
 
+#include <sys/syscall.h>
+
 #include <fstream>
 
 namespace {
@@ -27,6 +29,25 @@ system_call_t currentSystemCall(pid_t process) {
         }
     }
     return call;
+}
+
+// Younger architectures have the second one alone.
+bool isEpollWait(const system_call_t& call) {
+#ifdef SYS_epoll_wait
+    if (call.number == SYS_epoll_wait) {
+        return true;
+    }
+#endif
+    return call.number == SYS_epoll_pwait;
+}
+
+bool isPoll(const system_call_t& call) {
+#ifdef SYS_poll
+    if (call.number == SYS_poll) {
+        return true;
+    }
+#endif
+    return call.number == SYS_ppoll;
 }
 
 std::string timesBlocked(pid_t process) {

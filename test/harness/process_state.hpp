@@ -16,6 +16,12 @@ struct system_call_t {
 
 system_call_t currentSystemCall(pid_t process);
 
+/// @return true for the system calls that epoll_wait is made of
+bool isEpollWait(const system_call_t& call);
+
+/// @return true for the system calls that poll is made of
+bool isPoll(const system_call_t& call);
+
 /// How often a process has gone to sleep: a key that it has taken lets it do so once more. A look
 /// at its input queue would not do, as the terminal passes keys on with a delay.
 std::string timesBlocked(pid_t process);

@@ -136,12 +136,11 @@ void terminal_session::awaitScreen(std::string_view text) {
 
 bool terminal_session::isWaitingForKey() const {
     const system_call_t call = currentSystemCall(followed);
-    const bool isEpollWait = call.number == SYS_epoll_wait || call.number == SYS_epoll_pwait;
     // In raw mode a read never waits for a key, though it may be seen waiting for a lock.
     const bool isCookedRead =
         call.number == SYS_read && call.arguments[0] == STDIN_FILENO && pty.isCooked();
-    const bool isRest = call.number == SYS_poll && call.arguments[1] == 0;  // without descriptors
-    return (isEpollWait && call.arguments[3] == noTimeLimit) || isCookedRead || isRest;
+    const bool isRest = isPoll(call) && call.arguments[1] == 0;  // without descriptors
+    return (isEpollWait(call) && call.arguments[3] == noTimeLimit) || isCookedRead || isRest;
 }
 
 bool terminal_session::isHeldUpByOutput() const {
@@ -151,8 +150,7 @@ bool terminal_session::isHeldUpByOutput() const {
 
 bool terminal_session::isWaitingForMore() const {
     const system_call_t call = currentSystemCall(followed);
-    const bool isEpollWait = call.number == SYS_epoll_wait || call.number == SYS_epoll_pwait;
-    return isEpollWait && call.arguments[3] != noTimeLimit;
+    return isEpollWait(call) && call.arguments[3] != noTimeLimit;
 }
 
 /// The looks at a moving process do not happen at once: they have to agree on one sleep.
