@@ -1,0 +1,7 @@
+# IBM Z, big-endian, with the compiler of Debian's g++-s390x-linux-gnu.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR s390x)
+set(CMAKE_C_COMPILER s390x-linux-gnu-gcc)
+set(CMAKE_CXX_COMPILER s390x-linux-gnu-g++)
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-s390x-static -L /usr/s390x-linux-gnu)
+set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE s390x)

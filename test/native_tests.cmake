@@ -1,0 +1,41 @@
+# Run by ctest: gives the tests that an emulator cannot run the label "native".
+
+# leave_to_hardware(SUITE TEST...)
+function(leave_to_hardware suite)
+    foreach(test IN LISTS ARGN)
+        set_tests_properties(${suite}/${test} PROPERTIES LABELS "${suite};native")
+    endforeach()
+endfunction()
+
+# They wait until /proc shows that the program waits for a key; it shows what the emulator waits for.
+leave_to_hardware(support_tests
+    ReadInput.TakesOneKeyAfterTheOther
+    ReadInput.TakesAWholeArrowKey
+    ReadInput.TakesALoneEscape
+    ReadInput.ThrowsAwayWhatWasTypedEarlier
+    ReadInput.WaitsForTheRestOfASequence
+    ReadInput.TakesNoDeleteForTheEndOfASequence
+    ReadInput.ThrowsAwayTheRestOfAnEarlierSequence
+    ReadInput.DoesNotWaitBehindAFinishedSequence
+    ReadInput.EndsTheMenuAtCtrlC
+    ReadInput.LeavesOneDescriptorOpenForEachKeyTyped
+    support_test.WaitsForEnterInTheRawMode)
+leave_to_hardware(app_tests
+    ProcessSetup.KeepsOutputTogetherUntilItIsFlushed)
+
+# The emulator lets posix_spawn succeed whatever it is to start.
+leave_to_hardware(support_tests
+    runner_test.FailsWhenTheProgramCannotBeStarted
+    runner_test.PassesOnTheRunnersFailureWhenLookingForAProgram)
+leave_to_hardware(flash_tests
+    flashtools_test.PassesOnTheRunnersFailure)
+leave_to_hardware(docs_tests
+    read_prog_handler_test.FailsWithoutClear)
+
+# The emulator leaves signals of its own in what a child inherits.
+leave_to_hardware(flash_tests
+    flashtools_test.RunsTheCoreProgramWithHangUpsIgnored)
+
+# The emulator's own work counts as that of the program.
+leave_to_hardware(support_tests
+    support_test.WaitsAtEndOfFileWithoutSpinning)
