@@ -15,7 +15,7 @@ struct scripted_gui : gui {
     }
 };
 
-/// The argument is the number of keys ahead of ENTER: each draws the menu once more.
+/// The argument is the number of keys before ENTER: each draws the menu once more.
 void drawMenu(benchmark::State& state) {
     const surroundings around;
     scripted_gui application;

@@ -12,8 +12,8 @@ std::string pathOf(pid_t process, const std::string& file) {
     return "/proc/" + std::to_string(process) + "/" + file;
 }
 
-/// The number behind this word.
-std::int64_t numberBehind(const std::string& path, const std::string& name) {
+/// The number after this word.
+std::int64_t numberAfter(const std::string& path, const std::string& name) {
     std::ifstream file(path);
     for (std::string word; file >> word;) {
         std::int64_t number = 0;
@@ -35,11 +35,11 @@ std::int64_t processorTime(pid_t process) {
     return nanoseconds;
 }
 
-std::int64_t peakMemory(pid_t process) { return numberBehind(pathOf(process, "status"), "VmHWM:"); }
+std::int64_t peakMemory(pid_t process) { return numberAfter(pathOf(process, "status"), "VmHWM:"); }
 
-std::int64_t writeCalls(pid_t process) { return numberBehind(pathOf(process, "io"), "syscw:"); }
+std::int64_t writeCalls(pid_t process) { return numberAfter(pathOf(process, "io"), "syscw:"); }
 
-std::int64_t writtenBytes(pid_t process) { return numberBehind(pathOf(process, "io"), "wchar:"); }
+std::int64_t writtenBytes(pid_t process) { return numberAfter(pathOf(process, "io"), "wchar:"); }
 
 std::int64_t openDescriptors(pid_t process) {
     const std::filesystem::directory_iterator all(pathOf(process, "fd"));

@@ -36,7 +36,7 @@ public:
     /// @return how many bytes have come; 0 when none did within a second
     std::size_t countBytes(int quietMilliseconds);
 
-    /// Waits for a pause of 3 ms behind the last byte, and until the program sleeps: whoever throws
+    /// Waits for a pause of 3 ms after the last byte, and until the program sleeps: whoever throws
     /// away what was typed too early has done so then.
     /// @throws std::runtime_error when more bytes have come, or it does not sleep within a second
     void settle();

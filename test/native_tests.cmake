@@ -12,13 +12,14 @@ leave_to_hardware(support_tests
     ReadInput.TakesOneKeyAfterTheOther
     ReadInput.TakesAWholeArrowKey
     ReadInput.TakesALoneEscape
-    ReadInput.ThrowsAwayWhatWasTypedEarlier
     ReadInput.WaitsForTheRestOfASequence
     ReadInput.TakesNoDeleteForTheEndOfASequence
-    ReadInput.ThrowsAwayTheRestOfAnEarlierSequence
-    ReadInput.DoesNotWaitBehindAFinishedSequence
+    ReadInput.DoesNotWaitAfterAFinishedSequence
     ReadInput.EndsTheMenuAtCtrlC
     ReadInput.LeavesOneDescriptorOpenForEachKeyTyped
+    TypeAhead.IsThrownAway
+    TypeAhead.TakesTheRestOfItsLastSequenceAlong
+    TypeAhead.WithAnEnterTakesAlongWhatFollows
     support_test.WaitsForEnterInTheRawMode)
 leave_to_hardware(app_tests
     ProcessSetup.KeepsOutputTogetherUntilItIsFlushed)
@@ -36,6 +37,7 @@ leave_to_hardware(docs_tests
 leave_to_hardware(flash_tests
     flashtools_test.RunsTheCoreProgramWithHangUpsIgnored)
 
-# The emulator's own work counts as that of the program.
+# The emulator's own work and memory count as that of the program.
 leave_to_hardware(support_tests
+    TypeAhead.TakesNoMemory
     support_test.WaitsAtEndOfFileWithoutSpinning)

@@ -228,8 +228,8 @@ TEST_F(gui_test, ScriptsTheKeysToATarget) {
               }));
 }
 
-// A line that cannot be selected is passed by, and the nearest one behind it confirmed.
-TEST_F(gui_test, ScriptsTheKeysToTheLineBehindATargetThatCannotBeSelected) {
+// A line that cannot be selected is passed by, and the nearest one below it confirmed.
+TEST_F(gui_test, ScriptsTheKeysToTheLineAfterATargetThatCannotBeSelected) {
     EXPECT_EQ("DDDDDE ", with([](open_gui& application) {
                   return script(application, application.menus.at(0), {5});
               }));

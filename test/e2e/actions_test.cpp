@@ -114,7 +114,7 @@ TEST_F(actions_test, ShowsTheReadmeWithLessAndReturnsAtOnce) {
     EXPECT_EQ(std::set<int>{}, reader.blockedSignals);
 }
 
-TEST_F(actions_test, AsksForEnterBehindMoreAndCat) {
+TEST_F(actions_test, AsksForEnterAfterMoreAndCat) {
     package.remove("programs/less");
     for (const char* reader : {"more", "cat"}) {
         package.let(reader, "show");

@@ -79,7 +79,7 @@ TEST_F(hostile_bytes_test, EveryByteAloneHasItsResult) {
 
 // A second byte, whichever it is, makes a key that the menu does not know; it is passed over
 // without a word, and with an ENTER or a digit in it, it confirms and moves nothing.
-TEST_F(hostile_bytes_test, EveryByteBehindAnEscapeIsPassedOver) {
+TEST_F(hostile_bytes_test, EveryByteAfterAnEscapeIsPassedOver) {
     startAtReadme();
     const std::size_t runs = package.runs().size();
     for (int byte = 0; byte <= 0xff; ++byte) {
@@ -105,13 +105,13 @@ TEST_F(hostile_bytes_test, TheDriversBytesAreNoKeys) {
 }
 
 // To the program that is an escape key alone.
-TEST_F(hostile_bytes_test, TheDriversBytesBehindAnEscapeAreNoSecondByte) {
+TEST_F(hostile_bytes_test, TheDriversBytesAfterAnEscapeAreNoSecondByte) {
     startAtReadme();
     expectWarning(std::string{escape, goOn});
     expectWarning(std::string{escape, halt, goOn});
 }
 
-TEST_F(hostile_bytes_test, CtrlCBehindAnEscapeEndsTheProgram) {
+TEST_F(hostile_bytes_test, CtrlCAfterAnEscapeEndsTheProgram) {
     startAtReadme();
     session->press(std::string{escape, endOfText});
     EXPECT_EQ(0, awaitEnd());

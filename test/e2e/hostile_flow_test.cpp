@@ -60,7 +60,7 @@ TEST_F(hostile_flow_test, AWarningIsShownWhole) {
 }
 
 // Typed in front of a screen that does not show them, they are not to do anything later.
-TEST_F(hostile_flow_test, KeysBehindTheFirstAreThrownAway) {
+TEST_F(hostile_flow_test, KeysAfterTheFirstAreThrownAway) {
     startMenu();
     const std::size_t runs = package.runs().size();
     pressWhileHalted("1");

@@ -18,16 +18,16 @@ void PrintTo(const typing_t& typing, std::ostream* out) { *out << typing.name; }
 
 /// Both forms of both keys, cut at every byte. Every key moves to number 4.
 const std::vector<typing_t> typings{
-    {"DownCutBehindEscape", {"\x1b", "[B"}, "3"},
+    {"DownCutAfterEscape", {"\x1b", "[B"}, "3"},
     {"DownCutBeforeLast", {"\x1b[", "B"}, "3"},
     {"DownByteByByte", {"\x1b", "[", "B"}, "3"},
-    {"OtherDownCutBehindEscape", {"\x1b", "OB"}, "3"},
+    {"OtherDownCutAfterEscape", {"\x1b", "OB"}, "3"},
     {"OtherDownCutBeforeLast", {"\x1bO", "B"}, "3"},
     {"OtherDownByteByByte", {"\x1b", "O", "B"}, "3"},
-    {"UpCutBehindEscape", {"\x1b", "[A"}, "5"},
+    {"UpCutAfterEscape", {"\x1b", "[A"}, "5"},
     {"UpCutBeforeLast", {"\x1b[", "A"}, "5"},
     {"UpByteByByte", {"\x1b", "[", "A"}, "5"},
-    {"OtherUpCutBehindEscape", {"\x1b", "OA"}, "5"},
+    {"OtherUpCutAfterEscape", {"\x1b", "OA"}, "5"},
     {"OtherUpCutBeforeLast", {"\x1bO", "A"}, "5"},
     {"OtherUpByteByByte", {"\x1b", "O", "A"}, "5"},
 };

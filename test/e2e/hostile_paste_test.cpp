@@ -19,7 +19,7 @@ constexpr char goOn = '\x11';
 
 /// Arbitrary, and the same in every run. Left out is what would end the program rightly: Ctrl-C,
 /// and the number of "Exit", which an ENTER may follow. A Ctrl-S is followed by a Ctrl-Q: with its
-/// output stopped the program reads no more, and behind a full queue nothing gets through.
+/// output stopped the program reads no more, and nothing gets through a full queue.
 std::string randomBytes(unsigned seed) {
     std::mt19937 generator(seed);
     std::string bytes;
@@ -59,7 +59,7 @@ protected:
 
     /// All bytes have reached the program, and it waits for more. Neither its input queue nor its
     /// sleep tells of what the kernel still has to put into that queue; the driver's own bytes,
-    /// typed behind the rest, do. Where the queue was full, they may overtake it once.
+    /// typed after the rest, do. Where the queue was full, they may overtake it once.
     void awaitAllTaken() {
         for (int round = 0; round < 3; ++round) {
             session->type(std::string(1, halt));

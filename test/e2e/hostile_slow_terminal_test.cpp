@@ -6,7 +6,7 @@ namespace {
 
 constexpr int mostKeys = 200;  // some 100 KiB of drawings, more than any terminal has room for
 
-/// A terminal behind a serial line: it takes a whole second for one drawing.
+/// A terminal on a serial line: it takes a whole second for one drawing.
 class hostile_slow_terminal_test : public tool_test {
 protected:
     void SetUp() override {

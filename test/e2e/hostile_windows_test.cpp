@@ -41,7 +41,7 @@ protected:
     /// @return what was written since the last key
     std::string lastOutput() const { return session->output().substr(before); }
 
-    /// @param look called behind every key that leaves a menu or a warning on the screen
+    /// @param look called after every key that leaves a menu or a warning on the screen
     void walk(const std::function<void(const std::string& where)>& look) {
         const auto step = [&](const std::string& keys, const std::string& answer) {
             press(keys, answer);

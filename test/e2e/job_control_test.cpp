@@ -72,7 +72,7 @@ TEST_P(stop_test, DuringAFlashEndsInTheToolsOwnMode) {
     package.let("varnflash", "kill 19\nprint core program ended");
     choose(1);
     session->await([&] { return package.runs().size() == 2; }, "the core program");
-    // One that stops behind the shell's continuation would stay so.
+    // One that stops after the shell's continuation would stay so.
     const pid_t coreProgram = package.runs().back().process;
     session->await([&] { return isStopped(coreProgram); }, "the core program's stop");
     session->signal(GetParam());

@@ -68,8 +68,8 @@ protected:
             EXPECT_EQ(background, cell.background) << row << "," << column;
             EXPECT_EQ(bold, cell.bold) << row << "," << column;
         }
-        const screen_cell_t behind = session->screen().cell(row, last + 1);
-        EXPECT_EQ(-1, behind.background);
+        const screen_cell_t next = session->screen().cell(row, last + 1);
+        EXPECT_EQ(-1, next.background);
     }
 };
 
@@ -126,7 +126,7 @@ TEST_F(menu_screen_test, ShowsNoEmergencyFlashWhenTheCoreProgramSaysSo) {
     EXPECT_EQ("less ../readme.txt", package.commandLines().back());
 }
 
-TEST_F(menu_screen_test, HighlightsTheTextBehindTheNumber) {
+TEST_F(menu_screen_test, HighlightsTheTextAfterTheNumber) {
     startMenu();
     session->press("3");
     awaitMenu("3");
@@ -195,7 +195,7 @@ TEST_F(menu_screen_test, ClearsAndDrawsWhereTheWindowIsTooShort) {
     session->awaitScreen("> 2");
     session->awaitKeyWait();
     rows_t expected = withPrompt(mainMenu, "> 2");
-    expected.erase(expected.begin());  // the line feed behind the last line scrolls
+    expected.erase(expected.begin());  // the line feed after the last line scrolls
     EXPECT_EQ(expected, session->screen().rows());
 }
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// When the menu comes back behind ENTER only.
+/// When the menu comes back after ENTER only.
 enum class enter_t { never, unless_killed, always };
 
 /// A program that the menu runs on the terminal.
@@ -50,7 +50,7 @@ protected:
         return isStarted ? runs.back() : run_record_t{};
     }
 
-    void expectMenuBehindItsEnd() {
+    void expectMenuAfterItsEnd() {
         session->await([&] { return record().ended; }, "the child's end");
         if (child.awaitsEnter != enter_t::never) {
             confirm();
@@ -59,7 +59,7 @@ protected:
         EXPECT_EQ(std::string::npos, session->output().find("[WARN]"));
     }
 
-    void expectMenuBehindItsDeath() {
+    void expectMenuAfterItsDeath() {
         if (child.awaitsEnter == enter_t::always) {
             confirm();
         }
@@ -122,7 +122,7 @@ std::string killedName(const testing::TestParamInfo<std::tuple<child_row_t, int>
 
 TEST_P(killed_child_test, IsAWarning) {
     run("kill " + std::to_string(std::get<1>(GetParam())));
-    expectMenuBehindItsDeath();
+    expectMenuAfterItsDeath();
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -140,59 +140,59 @@ INSTANTIATE_TEST_SUITE_P(HeldSignals, killed_child_test,
 
 TEST_P(misbehaving_child_test, LeavesTheTerminalDeaf) {
     run("mode deaf");
-    expectMenuBehindItsEnd();
+    expectMenuAfterItsEnd();
 }
 
 TEST_P(misbehaving_child_test, LeavesTheTerminalWithLineEditing) {
     run("mode cooked");
-    expectMenuBehindItsEnd();
+    expectMenuAfterItsEnd();
 }
 
 TEST_P(misbehaving_child_test, ChangesTheTerminalAndDies) {
     run("mode deaf\nmode cooked\nsteal\nkill 9");
-    expectMenuBehindItsDeath();
+    expectMenuAfterItsDeath();
 }
 
 TEST_P(misbehaving_child_test, LeavesTheCursorInSight) {
     run(R"(print \033[?25h)");
-    expectMenuBehindItsEnd();
+    expectMenuAfterItsEnd();
 }
 
 TEST_P(misbehaving_child_test, LeavesAColour) {
     run(R"(print \033[41m)");
-    expectMenuBehindItsEnd();
+    expectMenuAfterItsEnd();
 }
 
 TEST_P(misbehaving_child_test, DiesInAColour) {
     run("print \\033[41m\\033[?25h\nkill 9");
-    expectMenuBehindItsDeath();
+    expectMenuAfterItsDeath();
 }
 
 TEST_P(misbehaving_child_test, LeavesTheTerminalToAGrandchild) {
     run("steal");
-    expectMenuBehindItsEnd();
+    expectMenuAfterItsEnd();
 }
 
 TEST_P(misbehaving_child_test, ClosesItsDescriptors) {
     run("close");
-    expectMenuBehindItsEnd();
+    expectMenuAfterItsEnd();
 }
 
 TEST_P(misbehaving_child_test, ReadsAllInput) {
     run("swallow");
-    expectMenuBehindItsEnd();
+    expectMenuAfterItsEnd();
 }
 
 TEST_P(misbehaving_child_test, ReadsAllInputLineByLine) {
     run("mode cooked\nprint reading\nswallow");
     session->awaitScreen("reading");
     session->type("3\r\x04");
-    expectMenuBehindItsEnd();
+    expectMenuAfterItsEnd();
 }
 
 TEST_P(misbehaving_child_test, FloodsTheTerminal) {
     run("flood 10");
-    expectMenuBehindItsEnd();
+    expectMenuAfterItsEnd();
     EXPECT_NE(std::string::npos, session->output().find("that was all"));
 }
 
@@ -200,7 +200,7 @@ TEST_P(misbehaving_child_test, StopsAndGoesOn) {
     run("kill 19\nprint went on");
     session->await([&] { return isStopped(record().process); }, "the child to stop");
     kill(record().process, SIGCONT);
-    expectMenuBehindItsEnd();
+    expectMenuAfterItsEnd();
     EXPECT_NE(std::string::npos, session->output().find("went on"));
 }
 

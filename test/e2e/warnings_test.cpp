@@ -6,7 +6,7 @@ namespace {
 
 class warnings_test : public tool_test {
 protected:
-    /// The warning stands two lines below the menu, ahead of its prompt; ENTER brings the menu
+    /// The warning stands two lines below the menu, above its prompt; ENTER brings the menu
     /// back.
     void expectWarning(const std::string& text, const std::string& promptNumber = "") {
         session->awaitScreen("Press ENTER to continue...");
@@ -41,15 +41,15 @@ TEST_F(warnings_test, RefuseOtherKeys) {
     expectWarning("Wrong input, please confirm selection by 'ENTER' only :", "3");
 }
 
-// Repeated in the warning, the ESC would swallow the prompt behind it.
-TEST_F(warnings_test, ShowThePromptBehindALoneEscape) {
+// Repeated in the warning, the ESC would swallow the prompt after it.
+TEST_F(warnings_test, ShowThePromptAfterALoneEscape) {
     startMenu();
     session->press("\x1b");
     expectWarning("Wrong input, please confirm selection by 'ENTER' only :");
 }
 
 // The reset is printed for such texts only.
-TEST_F(warnings_test, ResetTheTerminalBehindControlCharactersOnly) {
+TEST_F(warnings_test, ResetTheTerminalAfterControlCharactersOnly) {
     startMenu();
     const auto warningOf = [&](const std::string& key) {
         const std::size_t before = session->output().size();

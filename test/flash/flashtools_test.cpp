@@ -55,7 +55,7 @@ TEST_F(flashtools_test, RunsEveryOperationWithItsMessageAndArguments) {
     EXPECT_EQ(expected, package.commandLines());
 }
 
-TEST_F(flashtools_test, ShowsTheCoreProgramsOutputBehindTheMessage) {
+TEST_F(flashtools_test, ShowsTheCoreProgramsOutputAfterTheMessage) {
     package.let("varnflash", "print written");
     flashtools tools(false, menuPairs);
     EXPECT_EQ("\n\nVarn reboot pending, wait for boot to complete\nwritten\n", output(tools, 9));

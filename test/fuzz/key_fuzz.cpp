@@ -1,4 +1,4 @@
-// The input is a menu as for menu_fuzz; then, each behind a "|", what arrives on the terminal at
+// The input is a menu as for menu_fuzz; then, each after a "|", what arrives on the terminal at
 // once: a pause in milliseconds, as one byte, and what is typed after it.
 
 #include <algorithm>

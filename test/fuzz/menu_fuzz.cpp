@@ -1,5 +1,5 @@
 // The input is a menu, one character for each line: "*" can be selected, ">" is the prompt, "_"
-// leaves a key out, anything else is plain; then, each behind a "|", what the user types.
+// leaves a key out, anything else is plain; then, each after a "|", what the user types.
 
 #include <algorithm>
 #include <cstdint>

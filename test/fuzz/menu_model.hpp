@@ -18,7 +18,7 @@ inline constexpr const char* releaseInformation =
 /// on top
 menu_elem_t menuOf(const std::string& kinds);
 
-/// @param text inputs, each behind a "|"
+/// @param text inputs, each after a "|"
 /// @return the inputs, and a last one that ends the program
 texts_t inputsOf(const std::string& text);
 

@@ -17,6 +17,6 @@ inline constexpr std::size_t longestTyping = 1000;
 /// How long a drawing of the menu takes, in milliseconds: what arrives meanwhile is typed ahead.
 inline constexpr int drawingTime = 20;
 
-/// @param text pieces, each behind a "|"; the first byte of a piece is its pause
+/// @param text pieces, each after a "|"; the first byte of a piece is its pause
 /// @return the pieces, and the last ones that confirm a warning and end the program
 typing_t typingOf(const std::string& text);

@@ -38,7 +38,7 @@ protected:
     /// Confirms the line with this shown number.
     void choose(int number);
 
-    /// Returns when the menu is shown anew, with this number behind its prompt.
+    /// Returns when the menu is shown anew, with this number after its prompt.
     void awaitMenu(const std::string& promptNumber = "");
 
     /// Waits for the end.

@@ -44,7 +44,7 @@ protected:
     /// The script is to be run by another user than root, one without any rights.
     void runScriptAsNobody();
 
-    /// Puts a shell script ahead of a program that the packaging script runs.
+    /// Puts a shell script in the place of a program that the packaging script runs.
     void replaceProgram(const std::string& name, const std::string& text);
 
     /// The same with tar, but that it still says which one it is.

@@ -123,7 +123,7 @@ TEST_F(release_info_test, RefusesAValueInThePlaceOfAMissingKey) {
     EXPECT_EQ(refused, values());
 }
 
-TEST_F(release_info_test, RefusesAnyLineBehindAnEmptyValue) {
+TEST_F(release_info_test, RefusesAnyLineAfterAnEmptyValue) {
     given("VARN_RELEASE=1.2\nSDR_RELEASE=3.4\nSYSTEM=\nIMAGE_NAME=fw.bin\n");
     EXPECT_EQ(refused, values());
     given("VARN_RELEASE=1.2\nSDR_RELEASE=3.4\nIMAGE_NAME=fw.bin\nSYSTEM=\n\n");

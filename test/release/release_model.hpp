@@ -56,7 +56,7 @@ inline release_outcome_t releaseExpected(std::string_view text) {
         std::erase_if(values.back(), [](char c) { return c == '"' || c == '\r' || c == '\n'; });
     }
     // A line that begins with a value would be taken for it, unless it gives the value of a key
-    // with a higher id: that one comes first. Behind an empty value there is no such way out.
+    // with a higher id: that one comes first. After an empty value there is no such way out.
     for (std::size_t id = 0; id < keys.size(); ++id) {
         for (std::size_t line = home[id] + 1; line < lines.size(); ++line) {
             const bool isHigherHome = std::find(home.begin() + static_cast<std::ptrdiff_t>(id) + 1,

@@ -131,7 +131,7 @@ TEST(ReadInput, YieldsNothingAtEndOfFile) {
     EXPECT_EQ("0:", readFrom(ends[0]));
 }
 
-TEST(ReadInput, YieldsNothingAtEndOfFileBehindHalfASequence) {
+TEST(ReadInput, YieldsNothingAtEndOfFileAfterHalfASequence) {
     std::array<int, 2> ends{};
     ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()));
     ASSERT_EQ(2, write(ends[1], "\x1b[", 2));
