@@ -14,12 +14,12 @@ file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/command)
 file(CREATE_LINK ../${tool_directory}/varnmenu-package ${command} SYMBOLIC)
 install(FILES ${command} DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-# Documents, and folders of examples. The copyright file is made by script/dist.
+# For many servers: users copy the folder.
+install(DIRECTORY fleet DESTINATION ${CMAKE_INSTALL_DATADIR}/varnmenu USE_SOURCE_PERMISSIONS)
+
+# Documents. The copyright file is made by script/dist.
 install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES ${PROJECT_BINARY_DIR}/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL)
-foreach(folder doc/examples)
-    install(DIRECTORY ${folder} DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS)
-endforeach()
 
 set(CPACK_GENERATOR DEB RPM)
 set(CPACK_PACKAGE_VENDOR "Varn Firmware Tools")
