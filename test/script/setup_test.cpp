@@ -13,7 +13,7 @@ namespace {
 class setup_test : public testing::Test {
 protected:
     setup_test() {
-        addProgram("dpkg-query", R"(test -n "$INSTALLED" && echo "installed $INSTALLED")");
+        addProgram("dpkg-query", R"(test -n "$INSTALLED" && echo "installed all $INSTALLED")");
         addProgram("apt-cache", R"(echo "  Candidate: $ON_OFFER")");
         addProgram("apt-get", R"(echo "apt-get $*")");
     }

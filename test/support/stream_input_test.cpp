@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <numeric>
 
 #include "harness/terminal_session.hpp"
 #include "support/open_stream.hpp"
@@ -23,15 +24,15 @@ std::string pressed(const std::vector<std::string>& keys) {
     return session.result();
 }
 
-/// What one read yields when each byte comes once the read waits for it.
-std::string typedInPieces(const std::string& sequence) {
+/// What one read yields when each piece comes once the read waits for it.
+std::string typedInPieces(const std::vector<std::string>& pieces) {
     terminal_session session([] { return readKeys(1); });
     session.awaitKeyWait();
-    session.type(sequence.substr(0, 1));
-    for (const char byte : sequence.substr(1)) {
+    session.type(pieces.front());
+    for (auto piece = pieces.begin() + 1; piece != pieces.end(); ++piece) {
         session.await([&] { return session.isWaitingForMore() || session.hasEnded(); },
                       "a wait for more");
-        session.type(std::string(1, byte));
+        session.type(*piece);
     }
     return session.result();
 }
@@ -60,11 +61,16 @@ TEST(ReadInput, TakesALoneEscape) { EXPECT_EQ("1:\x1b;1:2;", pressed({"\x1b", "2
 // A serial line delivers an arrow key in pieces: the read goes on until the sequence is whole. The
 // pieces may come 50 ms apart, which a busy machine may miss, but not every time.
 TEST(ReadInput, WaitsForTheRestOfASequence) {
-    for (const std::string sequence : {"\x1b[A", "\x1bOA", "\x1b[1;5A", "\x1b[B\x1b[A"}) {
+    const std::vector<std::vector<std::string>> sequences{{"\x1b", "[", "A"},
+                                                          {"\x1b", "O", "A"},
+                                                          {"\x1b", "[", "1", ";", "5", "A"},
+                                                          {"\x1b", "[", "B\x1b", "[", "A"}};
+    for (const std::vector<std::string>& pieces : sequences) {
+        const std::string sequence = std::accumulate(pieces.begin(), pieces.end(), std::string());
         const std::string whole = std::to_string(sequence.size()) + ":" + sequence + ";";
         std::string result;
         for (int tries = 0; tries < 20 && result != whole; ++tries) {
-            result = typedInPieces(sequence);
+            result = typedInPieces(pieces);
         }
         EXPECT_EQ(whole, result);
     }
