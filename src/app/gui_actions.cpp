@@ -8,11 +8,8 @@
 
 namespace {
 
-constexpr std::uint32_t mainMenu = 0;
-constexpr std::uint32_t legalMenu = 1;
-
 /// By menu index, so that either callback knows Exit whichever menu it serves.
-constexpr std::array exitLines{main_menu::exit, legal_menu::exit};
+constexpr std::array<menu_item_t, 2> exitLines{main_menu::exit, legal_menu::exit};
 
 }  // namespace
 
@@ -27,7 +24,7 @@ void gui::onMainMenuSelect(menu_item_t item) {
     }
     switch (item) {
         case main_menu::legalDocuments:
-            currentMenu = legalMenu;
+            currentMenu = index_legal;
             break;
         case main_menu::readme:
             showText(item, text_readme);
@@ -40,7 +37,7 @@ void gui::onMainMenuSelect(menu_item_t item) {
 void gui::onLegalMenuSelect(menu_item_t item) {
     if (isExitSelected()) {
         menus.at(currentMenu).selected = 0;
-        currentMenu = mainMenu;
+        currentMenu = index_main;
     } else {
         showText(item, text_legal);
     }
@@ -54,14 +51,8 @@ void gui::checkAdministrator() {
 
 void gui::runEvaluation() {
     std::vector<menu_elem_t> simulated = menus;
-    for (const menu_item_t target : {0, 2, 3, 1, 4, 6, 7}) {
-        scriptSelection(simulated.at(mainMenu), target);
-    }
-    for (const menu_item_t target : {0, 3, 2, 4, 5, 7, 6, 9}) {
-        scriptSelection(simulated.at(legalMenu), target);
-    }
-    for (const menu_item_t target : {1, 9, 10}) {
-        scriptSelection(simulated.at(mainMenu), target);
+    for (const auto& [menu, target] : scriptedWalk()) {
+        scriptSelection(simulated.at(menu), target);
     }
 }
 

@@ -34,39 +34,57 @@ struct row_t {
 
 constexpr const char* noticeText = "(c) 2026 Varn Firmware Tools";
 
-constexpr menu_item_t mainInformation = 12;
-constexpr menu_item_t legalInformation = 11;
-
 constexpr std::array mainRows{
-    row_t{0, titleBeginning, title},
+    row_t{main_menu::title, titleBeginning, title},
     row_t{main_menu::normalFlash, "Normal Flash of inactive Image with version validation", entry},
     row_t{main_menu::forcedFlash1st, "Forced Normal Flash of 1st Image", entry},
     row_t{main_menu::forcedFlash2nd, "Forced Normal Flash of 2nd Image", entry},
     row_t{main_menu::emergencyFlash, "Emergency Flash of both Images", entry},
-    row_t{5, "", blank},
+    row_t{main_menu::gapAfterFlashes, "", blank},
     row_t{main_menu::readme, "Readme", entry},
     row_t{main_menu::legalDocuments, "Legal Documents", entry},
-    row_t{8, "", blank},
+    row_t{main_menu::gapAfterDocuments, "", blank},
     row_t{main_menu::reboot, "Reboot Varn", entry},
     row_t{main_menu::exit, "Exit", entry},
-    row_t{11, "> ", prompt},
-    row_t{mainInformation, "", information},
-    row_t{13, noticeText, notice},
+    row_t{main_menu::prompt, "> ", prompt},
+    row_t{main_menu::information, "", information},
+    row_t{main_menu::notice, noticeText, notice},
 };
 
 constexpr std::array legalRows{
-    row_t{0, titleBeginning, title},
-    row_t{1, "#LEGAL DOCUMENTS", title},
+    row_t{legal_menu::title, titleBeginning, title},
+    row_t{legal_menu::heading, "#LEGAL DOCUMENTS", title},
     row_t{legal_menu::eula, "EULA", entry},
     row_t{legal_menu::licenceFlashtools, "TPL Flashtools", entry},
     row_t{legal_menu::licenceMorv, "TPL MORV Library", entry},
     row_t{legal_menu::licenceFirmware, "TPL Firmware", entry},
     row_t{legal_menu::copyrightsCentos, "Centos Copyrights", entry},
-    row_t{8, "", blank},
+    row_t{legal_menu::gapAfterDocuments, "", blank},
     row_t{legal_menu::exit, "Exit", entry},
-    row_t{10, "> ", prompt},
-    row_t{legalInformation, "", information},
-    row_t{12, noticeText, notice},
+    row_t{legal_menu::prompt, "> ", prompt},
+    row_t{legal_menu::information, "", information},
+    row_t{legal_menu::notice, noticeText, notice},
+};
+
+constexpr std::array walk{
+    walk_step_t{index_main, main_menu::title},
+    walk_step_t{index_main, main_menu::forcedFlash1st},
+    walk_step_t{index_main, main_menu::forcedFlash2nd},
+    walk_step_t{index_main, main_menu::normalFlash},
+    walk_step_t{index_main, main_menu::emergencyFlash},
+    walk_step_t{index_main, main_menu::readme},
+    walk_step_t{index_main, main_menu::legalDocuments},
+    walk_step_t{index_legal, legal_menu::title},
+    walk_step_t{index_legal, legal_menu::licenceFlashtools},
+    walk_step_t{index_legal, legal_menu::eula},
+    walk_step_t{index_legal, legal_menu::licenceMorv},
+    walk_step_t{index_legal, legal_menu::licenceFirmware},
+    walk_step_t{index_legal, legal_menu::copyrightsCentos},
+    walk_step_t{index_legal, legal_menu::copyrightsDebian},
+    walk_step_t{index_legal, legal_menu::exit},
+    walk_step_t{index_main, main_menu::normalFlash},
+    walk_step_t{index_main, main_menu::reboot},
+    walk_step_t{index_main, main_menu::exit},
 };
 
 template <std::size_t count>
@@ -82,6 +100,8 @@ menu_elem_t makeMenu(const std::array<row_t, count>& rows, menu_item_t informati
 
 }  // namespace
 
-menu_elem_t makeMainMenu() { return makeMenu(mainRows, mainInformation); }
+menu_elem_t makeMainMenu() { return makeMenu(mainRows, main_menu::information); }
 
-menu_elem_t makeLegalMenu() { return makeMenu(legalRows, legalInformation); }
+menu_elem_t makeLegalMenu() { return makeMenu(legalRows, legal_menu::information); }
+
+std::span<const walk_step_t> scriptedWalk() { return walk; }
