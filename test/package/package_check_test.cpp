@@ -243,7 +243,7 @@ TEST_P(package_check_test, SaysWhatItMayNotRead) {
 
 TEST_P(package_check_test, SaysWhichFolderItMayNotEnter) {
     fs::permissions(package.tool(), fs::perms(0700));
-    script.user = 65534;
+    runScriptAsNobody();
     EXPECT_EQ("tool: cannot be entered; chmod a+rx it, or check as root\n", check().output);
 }
 

@@ -106,7 +106,7 @@ TEST_F(package_create_test, SaysThatItMayNotEnterTheDocuments) {
     fs::create_directory(package.root() / "documents");
     fs::permissions(package.root() / "documents", fs::perms(0));
     fs::permissions(out(), fs::perms(0777));
-    script.user = 65534;
+    runScriptAsNobody();
     expectNothingMade(create({"--documents=documents"}), "create: ./documents cannot be entered\n");
 }
 

@@ -44,7 +44,7 @@ TEST_F(package_verify_test, IsWhatCheckDoesWithAnArchive) {
 }
 
 TEST_F(package_verify_test, TakesItFromAnyUser) {
-    script.user = 65534;
+    runScriptAsNobody();
     script.environment.erase("TMPDIR");
     const mode_t old = umask(0777);
     EXPECT_EQ(unsignedLine, verify().output);
