@@ -1,4 +1,4 @@
-# Run by CPack for each kind of package once its files lie together.
+# Run by CPack for each kind of package after its files have been copied into one folder.
 string(TOLOWER ${CPACK_GENERATOR} kind)
 set(packaging ${CMAKE_CURRENT_LIST_DIR}/../packaging)
 execute_process(COMMAND ${packaging}/arrange ${kind} ${CPACK_TEMPORARY_INSTALL_DIRECTORY}

@@ -1,5 +1,5 @@
-# What is installed, and the .deb and .rpm of it that script/dist makes. The tool is no command of the
-# system: it is started from a firmware package, and lies ready to be put into one.
+# What is installed, and the .deb and .rpm of it that script/dist makes. The tool is not a system command: it
+# is started from a firmware package, and installed only to be put into one.
 
 include(GNUInstallDirs)
 set(tool_directory ${CMAKE_INSTALL_LIBEXECDIR}/varnmenu)
@@ -8,7 +8,7 @@ install(PROGRAMS script/varnmenu-package DESTINATION ${tool_directory})
 install(FILES doc/varnmenu.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
 install(FILES doc/varnmenu-package.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
-# The script finds the tool beside itself, so the command is a link to it.
+# The script finds the tool next to itself, so the command is a link to it.
 set(command ${PROJECT_BINARY_DIR}/command/varnmenu-package)
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/command)
 file(CREATE_LINK ../${tool_directory}/varnmenu-package ${command} SYMBOLIC)
