@@ -102,7 +102,7 @@ void stream::readKey() {
 void stream::discardTypedAhead(const input_watch& keyboard) {
     escape_sequence sequence;
     bool hasEnter = false;
-    const auto discard = [&](char byte) {
+    const std::function<void(char)> discard = [&](char byte) {
         sequence.add(byte);
         hasEnter = hasEnter || byte == lineFeed || byte == carriageReturn;
     };
@@ -122,7 +122,7 @@ void stream::takeKey(const input_watch& keyboard) {
     }
     escape_sequence sequence;
     sequence.add(escape);
-    const auto append = [&](char byte) {
+    const std::function<void(char)> append = [&](char byte) {
         sequence.add(byte);
         currentInput.push_back(byte);
     };

@@ -145,6 +145,18 @@ TEST(ReadInput, YieldsNothingAtEndOfFileAfterHalfASequence) {
     EXPECT_EQ("0:", readFrom(ends[0]));
 }
 
+TEST(ReadInput, YieldsHalfASequenceThatEndsWithTheInput) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends.data()));
+    open_stream input;
+    input.settleBeforeWait = [end = ends[1]] {
+        EXPECT_EQ(2, write(end, "\x1b[", 2));
+        close(end);
+        return false;
+    };
+    EXPECT_EQ("2:\x1b[", readFrom(ends[0], input));
+}
+
 TEST(ReadInput, YieldsNothingWhereItCannotWait) {
     std::FILE* file = std::tmpfile();
     EXPECT_EQ("0:", readFrom(dup(fileno(file))));
