@@ -33,8 +33,9 @@ int main(int argc, char** argv) {
         gui application(evalMode);
         application.run();
     } catch (const menu_exception& end) {
+        const support services;  // without a working directory the program cannot name itself
         log.trace(trace_plain,
-                  "Exitting program '" + support().fileName(programWord) + "' due to " + end.what(),
+                  "Exitting program '" + support::fileName(programWord) + "' due to " + end.what(),
                   "");
     } catch (const std::out_of_range& error) {
         log.trace(trace_critical, std::string("Out of range error: ") + error.what(), "");
