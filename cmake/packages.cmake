@@ -15,7 +15,8 @@ file(CREATE_LINK ../${tool_directory}/varnmenu-package ${command} SYMBOLIC)
 install(FILES ${command} DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 # For many servers: users copy the folder.
-install(DIRECTORY fleet DESTINATION ${CMAKE_INSTALL_DATADIR}/varnmenu USE_SOURCE_PERMISSIONS)
+install(DIRECTORY fleet DESTINATION ${CMAKE_INSTALL_DATADIR}/varnmenu USE_SOURCE_PERMISSIONS
+    REGEX "/\\.[^/]*$" EXCLUDE)
 
 # Documents. The copyright file is made by script/dist.
 install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
@@ -31,6 +32,7 @@ which makes and checks such a package. The menu is linked statically.")
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "ansible-core, expect")
 set(CPACK_RPM_FILE_NAME RPM-DEFAULT)
 set(CPACK_RPM_PACKAGE_ARCHITECTURE ${CMAKE_SYSTEM_PROCESSOR})
 set(VARNMENU_PROCESSOR ${CMAKE_SYSTEM_PROCESSOR} CACHE INTERNAL "For script/dist")
@@ -39,6 +41,7 @@ set(CPACK_RPM_PACKAGE_URL ${PROJECT_HOMEPAGE_URL})
 # None has been chosen: see packaging/no-licence.
 set(CPACK_RPM_PACKAGE_LICENSE "LicenseRef-Undecided")
 set(CPACK_RPM_CHANGELOG_FILE ${PROJECT_BINARY_DIR}/changelog.rpm)
+set(CPACK_RPM_PACKAGE_SUGGESTS "ansible-core, expect")
 set(CPACK_RPM_PACKAGE_AUTOREQPROV OFF)
 # The folders are the system's own.
 set(CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION
