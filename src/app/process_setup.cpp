@@ -29,10 +29,10 @@ void resetSignals() {
 /// What is opened next would otherwise become standard error: of a core program, say, the firmware
 /// image, and its messages would be written into it.
 void openStandardDescriptors() {
-    constexpr std::array modes{O_RDONLY, O_WRONLY, O_WRONLY};
-    for (int descriptor = 0; const int mode : modes) {
-        if (fcntl(descriptor++, F_GETFD) == -1) {
-            open("/dev/null", mode);  // takes the lowest number that is free: this one
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(descriptor, F_GETFD) == -1) {
+            // Takes the lowest number that is free: this one.
+            open("/dev/null", descriptor == STDIN_FILENO ? O_RDONLY : O_WRONLY);
         }
     }
 }
