@@ -134,7 +134,8 @@ void gui::redrawLines(const menu_elem_t& menu) {
     const auto count = static_cast<int>(menu.lines.size());
     const window_size_t window = windowSize();
     const bool highEnough = window.rows == 0 || count < window.rows;
-    const bool wideEnough = shownWidth < (window.columns == 0 ? unknownWidth : window.columns);
+    const bool wideEnough =
+        shownWidth != unknownWidth && (window.columns == 0 || shownWidth < window.columns);
     if (highEnough && wideEnough) {
         cursorUp(count);
     } else {
