@@ -105,7 +105,7 @@ void support::waitForEnter(const std::string& message) {
     trace(message);
     // A stop that ends before the wait begins is to interrupt it, too: the terminal's mode may be
     // another one by then.
-    const blocked_signals untilTheWait{SIGCONT, SIGWINCH};
+    const blocked_signals untilTheWait{SIGCONT};
     const input_watch keyboard(STDIN_FILENO);
     while (awaitByte(keyboard) != '\n') {
     }
