@@ -176,10 +176,10 @@ void makeOutputWait() {
 terminal_guard::terminal_guard() {
     userMode = currentMode();
     announce(userModeKnown, 1);
-    makeOutputWait();
     std::atexit(restoreTerminal);
     setFatalSignalAction(restoreAndDie);
     setStopSignalAction(restoreAndStop);
+    makeOutputWait();
 }
 
 terminal_guard::~terminal_guard() {
