@@ -183,13 +183,14 @@ terminal_guard::terminal_guard() {
 }
 
 terminal_guard::~terminal_guard() {
+    // First, or a stop from here on would hide it for good when it ends.
+    cursorHidden.length = 0;
     // Whoever hid the cursor is gone by now and has shown it again, if that can be written.
     if (std::fflush(stdout) == 0) {
         cursorShown.length = 0;
     }
     restoreTerminal();
     cursorShown.length = 0;
-    cursorHidden.length = 0;
     userModeKnown = 0;
     setFatalSignalAction(SIG_DFL);
     setStopSignalAction(SIG_DFL);
