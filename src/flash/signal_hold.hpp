@@ -21,8 +21,9 @@ private:
 
     // Blocked as well as ignored. Ignored is what the child is to inherit; and a signal that is
     // both is kept by Linux (it never throws a blocked one away, as it may be unblocked with
-    // another action), so that it is still there when the old action is back. To ignore a signal
-    // drops one that is already pending: what comes in between is lost, the flash is not.
+    // another action), so that it is still there when the old action is back. Ignoring a
+    // signal drops one that is already pending: one that comes in after the blocking and before
+    // the ignoring is lost, the flash is not.
     blocked_signals blocked{SIGHUP, SIGINT, SIGQUIT};
     std::array<struct sigaction, held.size()> actions{};
 };

@@ -87,8 +87,8 @@ int release_info::readInfoFile() {
                 text = file.line.substr(text.size());
                 removeQuotes(text);
                 removeLineEnds(text);
-                // A second match is one of the value, not of the key; and an empty value matches
-                // whatever line comes next.
+                // A line that matches an entry for the second time matches its value, not its key;
+                // and an empty value matches whatever line comes next.
                 if (!matched.insert(id).second || (text.empty() && file.next())) {
                     return 0;
                 }

@@ -33,8 +33,8 @@ public:
 
 private:
     /// Reads the file into the store.
-    /// @return how many lines matched an entry; 0 for a file that cannot be read, and for one with
-    /// a line that would be taken for another's value
+    /// @return how many lines matched an entry; 0 for a file that cannot be read, for one with a
+    /// line that begins with an earlier value, and for one with a line after an empty value
     int readInfoFile();
 
     /// By id: at first the key that a line begins with, from the matching line on its value. Later

@@ -96,9 +96,9 @@ void stream::readKey() {
     keyboard.leaveOpen();
 }
 
-/// Of a key that is half there, the other half goes, too. And an ENTER that nobody can have typed
-/// at the sight of the menu is one of a pasted text, of a line that ends in two bytes, or of a key
-/// that is held: more of the same follows, and is not to confirm what the menu highlights.
+/// A key is to act on the menu that the user sees: what was typed before is thrown away, a sequence
+/// that is half there with its other half. An ENTER among it comes from a pasted text, a line end
+/// of two bytes or a held key: more follows, and must not confirm the highlighted line.
 void stream::discardTypedAhead(const input_watch& keyboard) {
     escape_sequence sequence;
     bool hasEnter = false;

@@ -77,7 +77,8 @@ void showCursor() {
     if (cursorShown.length == 0) {
         return;
     }
-    // Output that the user has stopped with Ctrl-S goes on, or this would wait for it.
+    // Output that the user has stopped with Ctrl-S goes on, or this would wait for it. TCOON alone
+    // takes back a TCOOFF only.
     tcflow(STDOUT_FILENO, TCOOFF);
     tcflow(STDOUT_FILENO, TCOON);
     writeSequence(cursorShown);
@@ -128,8 +129,8 @@ void setStopSignalAction(void (*handler)(int)) {
     sigaction(SIGTSTP, &action, nullptr);
 }
 
-/// Stops as usual, with the terminal given back meanwhile. The mode of before comes back at once;
-/// in the background that stops the process again, as it should.
+/// Stops as usual, with the terminal given back meanwhile. Once continued, the process takes its
+/// own mode back; in the background that stops it again, as it should.
 void restoreAndStop(int signal) {
     const int number = errno;
     const terminal_mode_t mode = currentMode();
