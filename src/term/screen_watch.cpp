@@ -32,7 +32,7 @@ screen_watch::~screen_watch() {
 }
 
 bool screen_watch::hasChanged() {
-    const bool hasIt = changed != 0;
+    const bool hadChanged = changed != 0;
     changed = 0;
-    return hasIt;
+    return hadChanged;
 }
