@@ -21,6 +21,7 @@ gui::gui(bool evaluate)
     menus.back().callback = [this](menu_item_t item) { onMainMenuSelect(item); };
     menus.push_back(makeLegalMenu());
     menus.back().callback = [this](menu_item_t item) { onLegalMenuSelect(item); };
+    // Before the check for root: the scripted walk, which takes its place, needs the final menu.
     if (checkIspfr()) {
         menus.front().lines.erase(main_menu::emergencyFlash);
     }

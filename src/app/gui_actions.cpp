@@ -30,6 +30,7 @@ void gui::onMainMenuSelect(menu_item_t item) {
             showText(item, text_readme);
             break;
         default:
+            // The title, too, where nothing was highlighted: it has no operation, and that is said.
             runOperation(item);
     }
 }
@@ -44,11 +45,13 @@ void gui::onLegalMenuSelect(menu_item_t item) {
 }
 
 void gui::checkAdministrator() {
+    // Not geteuid: it is about the person, not about a set-user-ID file.
     if (getuid() != 0) {
         throw menu_exception("program started without administrator privileges");
     }
 }
 
+/// The targets are the same with and without the emergency flash; what a menu lacks is passed over.
 void gui::runEvaluation() {
     std::vector<menu_elem_t> simulated = menus;
     for (const auto& [menu, target] : scriptedWalk()) {
@@ -66,6 +69,7 @@ void gui::scriptSelection(menu_elem_t& menu, menu_item_t target) {
     };
     const auto above = [&] { return lineAbove(menu, menu.selected); };
     const auto below = [&] { return lineBelow(menu, menu.selected); };
+    // No key leads to the title: it stands for the line where key-up leads at first.
     if (target == 0 && !isSelectable(menu, menu.selected)) {
         press(term_key_up, above());
     } else {

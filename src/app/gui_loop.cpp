@@ -65,6 +65,7 @@ void gui::reportWarning(const std::string& text) {
 
 void gui::printWarning() {
     trace(trace_warning, warning, newLines(2));
+    // The key is repeated in it, and an ESC would swallow the prompt that follows.
     if (hasControlCharacter(warning)) {
         screenCommand(screen_reset_attributes);
     }
@@ -148,6 +149,7 @@ void gui::drawLines(const menu_elem_t& menu) {
     for (const auto& [item, line] : menu.lines) {
         drawLine(menu, item, line);
     }
+    // A failure is passed over: the keys still work, and with them the way out.
     std::fflush(stdout);
 }
 

@@ -34,6 +34,7 @@ int main(int argc, char** argv) {
         application.run();
     } catch (const menu_exception& end) {
         const support services;  // without a working directory the program cannot name itself
+        // Spelt like this for good: whoever watches the output may wait for this very line.
         log.trace(trace_plain,
                   "Exitting program '" + support::fileName(programWord) + "' due to " + end.what(),
                   "");
@@ -47,5 +48,5 @@ int main(int argc, char** argv) {
     } catch (...) {
         log.trace(trace_critical, "Unknown exception", "");
     }
-    return 0;
+    return 0;  // after an error, too: its reader is a person; a signal still shows
 }

@@ -17,6 +17,7 @@ constexpr rlim_t mostDescriptors = 65'536;
 constexpr std::size_t outputBufferSize = 65'536;
 std::array<char, outputBufferSize> outputBuffer;
 
+/// What a parent has blocked or ignored would be so in the child programs, too.
 void resetSignals() {
     sigset_t none;
     sigemptyset(&none);
