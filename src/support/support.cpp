@@ -31,6 +31,7 @@ std::runtime_error commandFailure() {
     return std::runtime_error("Command cannot be executed properly");
 }
 
+/// Four variables: a flash is not to depend on what else root happens to have in the environment.
 std::string childEnvironment() {
     const char* path = std::getenv("PATH");
     const char* term = std::getenv("TERM");
@@ -73,12 +74,14 @@ int support::runProgram(const std::string& command, output_t output) const {
         throw commandFailure();
     }
     const word_vector variables(environment, ';');
+    // No quoting and no shell: a package's texts cannot start another program.
     const word_vector arguments(command, ' ');
     if (arguments.empty()) {
         throw commandFailure();
     }
     spawn_file_actions actions;
     if (output != output_t::shown) {
+        // Read-only, the child learns that its output is refused, not lost.
         actions.openNullDevice(output == output_t::discarded ? O_WRONLY : O_RDONLY);
     }
     // What was printed so far comes before what the child prints.
@@ -118,7 +121,7 @@ void support::delay(int unit, int amount) {
     timespec interval{};
     if (unit == seconds) {
         interval.tv_sec = amount;
-    } else if (unit == milliseconds) {
+    } else if (unit == milliseconds) {  // below a second: whole ones have a unit of their own
         interval.tv_nsec = amount % millisecondsPerSecond * nanosecondsPerMillisecond;
     }
     // A stop and its continuation would cut the sleep short: they wait for its end.
