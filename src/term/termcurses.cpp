@@ -69,13 +69,14 @@ bool isSameMode(const termios& one, const termios& other) {
 bool takeTerminal() {
     const char* name = std::getenv("TERM");
     if (name == nullptr || *name == '\0') {
-        name = "vt100";
+        name = "vt100";  // terminfo's custom; refused later on, as it cannot hide its cursor
     }
     const int input = fileno(stdin);  // may be none: nothing can be asked of it then
     if (tcgetattr(input, &savedAttributes) != 0) {
         return false;
     }
     const termios raw = rawAttributes(savedAttributes);
+    // Without an error slot terminfo itself reports an unknown terminal, and ends the process.
     return tcsetattr(input, TCSANOW, &raw) == 0 && setupterm(name, STDOUT_FILENO, nullptr) == OK;
 }
 
@@ -98,6 +99,8 @@ std::string substituted(const std::string& sequence, std::int32_t number) {
     return text;
 }
 
+/// The terminal may be in normal or in application mode, and nobody has told it which. One byte
+/// follows ESC "[" or ESC "O" in either.
 std::string otherCursorKeyForm(const std::string& sequence) {
     if (sequence.starts_with("\x1b[")) {
         return "\x1bO" + sequence.substr(2, 1);
@@ -185,6 +188,7 @@ std::string termcurses::highlight(const std::string& text) const {
     return sequences.at(cap_reverse) + text + sequences.at(cap_reset);
 }
 
+/// The saved position marks where the last drawing ended; nothing goes back there.
 void termcurses::cursorUp(std::int32_t count) {
     print(sequences.at(cap_save_cursor) + sequences.at(cap_carriage_return));
     print(parameterise(sequences.at(cap_cursor_up), count));

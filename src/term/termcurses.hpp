@@ -33,8 +33,8 @@ public:
     /// sequence; nothing is undone then
     termcurses();
 
-    /// Gives the terminal back: screen cleared, cursor shown, attributes as they were. A failure
-    /// ends the process, see std::terminate.
+    /// Gives the terminal back: screen cleared, cursor shown, attributes as they were. A failure is
+    /// not to be passed over: it ends the process, see std::terminate.
     ~termcurses();
 
     termcurses(const termcurses&) = delete;
