@@ -7,7 +7,7 @@
 /// One reader program for text documents.
 struct reader_prog_t {
     std::string name;         ///< looked up along PATH
-    std::string environment;  ///< an assignment kept with the reader; no reader is given it
+    std::string environment;  ///< kept with the reader, but not given to it: LANG does the same
     bool waitOnClose;         ///< ask for ENTER once the reader has ended
 };
 

@@ -7,7 +7,8 @@
 
 /// Keeps a dropped connection or an interrupt key from ending a firmware write half-way. As long
 /// as it lives, SIGHUP, SIGINT and SIGQUIT are ignored, and so they are in a program started
-/// meanwhile. One that came in for this process takes its usual effect when the hold ends.
+/// meanwhile. One that came in for this process takes its usual effect when the hold ends. SIGTERM
+/// is not held: who means it must be able to end the program; the one started goes on alone.
 class signal_hold {
 public:
     signal_hold();
