@@ -31,9 +31,11 @@ void resetSignals() {
 /// image, and its messages would be written into it.
 void openStandardDescriptors() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (fcntl(descriptor, F_GETFD) == -1) {
-            // Takes the lowest number that is free: this one.
-            open("/dev/null", descriptor == STDIN_FILENO ? O_RDONLY : O_WRONLY);
+        // What is opened takes the lowest number that is free: this one. Where there is no null
+        // device, the root folder takes it, which cannot be written to either.
+        if (fcntl(descriptor, F_GETFD) == -1 &&
+            open("/dev/null", descriptor == STDIN_FILENO ? O_RDONLY : O_WRONLY) == -1) {
+            open("/", O_PATH);
         }
     }
 }
@@ -49,9 +51,9 @@ void raiseDescriptorLimit() {
 }  // namespace
 
 void setUpProcess() {
+    raiseDescriptorLimit();
     openStandardDescriptors();
     resetSignals();
-    raiseDescriptorLimit();
     std::setvbuf(stdout, outputBuffer.data(), _IOFBF, outputBuffer.size());
 }
 

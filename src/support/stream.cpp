@@ -88,9 +88,14 @@ int stream::readInput() {
 
 void stream::readKey() {
     input_watch keyboard(STDIN_FILENO);
-    awaitDrawn();
-    discardTypedAhead(keyboard);
-    if (keyboard.waitReadable(input_watch::noTimeLimit, settleBeforeWait)) {
+    const auto settle = [&] {
+        // First of all, as the terminal's mode may be one in which reading waits for a whole line.
+        const bool isDrawnAnew = settleBeforeWait && settleBeforeWait();
+        awaitDrawn();
+        discardTypedAhead(keyboard);
+        return isDrawnAnew;
+    };
+    if (keyboard.waitReadable(input_watch::noTimeLimit, settle)) {
         takeKey(keyboard);
     }
     keyboard.leaveOpen();
@@ -106,8 +111,9 @@ void stream::discardTypedAhead(const input_watch& keyboard) {
         sequence.add(byte);
         hasEnter = hasEnter || byte == lineFeed || byte == carriageReturn;
     };
+    const auto isNoEndOfQuiet = [] { return true; };  // a signal, however many there are
     while (takeWaitingBytes(discard) && (hasEnter || sequence.isUnfinished()) &&
-           keyboard.waitReadable(gapMilliseconds)) {
+           keyboard.waitReadable(gapMilliseconds, isNoEndOfQuiet)) {
     }
 }
 

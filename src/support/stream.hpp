@@ -62,13 +62,13 @@ protected:
     /// terminal that has hung up ends the process by SIGHUP.
     int awaitByte(const input_watch& keyboard) const;
 
-    /// What is to be done before a wait for a key, and when a signal interrupts it; see
-    /// input_watch::waitReadable.
-    std::function<bool()> settleBeforeWait;
-
     std::uint32_t levelMask = trace_all;
     std::string currentInput;
     std::deque<std::string> scriptedInputs;
+
+    /// What is to be done before a wait for a key, and when a signal interrupts it; see
+    /// input_watch::waitReadable.
+    std::function<bool()> settleBeforeWait;
 
 private:
     void readKey();

@@ -63,8 +63,8 @@ void setMode(const terminal_mode_t& mode) {
 
 void writeSequence(const sequence_t& sequence) {
     pollfd output{STDOUT_FILENO, POLLOUT, 0};
-    if (poll(&output, 1, patienceMilliseconds) != 1) {
-        return;  // nobody reads what the terminal shows
+    if (poll(&output, 1, patienceMilliseconds) != 1 || output.revents != POLLOUT) {
+        return;  // nobody reads what the terminal shows, or the pipe that stands in for it
     }
     const auto length = static_cast<std::size_t>(sequence.length);
     std::atomic_signal_fence(std::memory_order_acquire);
@@ -135,6 +135,8 @@ void restoreAndStop(int signal) {
     const int number = errno;
     const terminal_mode_t mode = currentMode();
     restoreTerminal();
+    const auto known = static_cast<std::size_t>(userModeKnown);
+    userModeKnown = 0;  // from now on the mode is the shell's: nobody who ends here changes it
     setStopSignalAction(SIG_DFL);
     raise(signal);
     sigset_t stop;
@@ -144,6 +146,7 @@ void restoreAndStop(int signal) {
     sigprocmask(SIG_UNBLOCK, &stop, &previous);  // stopped here
     sigprocmask(SIG_SETMASK, &previous, nullptr);
     setStopSignalAction(restoreAndStop);
+    announce(userModeKnown, known);
     setMode(mode);
     // Not every screen is drawn anew after a stop: what a child shows, for one, is not.
     writeSequence(cursorHidden);
@@ -151,6 +154,7 @@ void restoreAndStop(int signal) {
 }
 
 void remember(sequence_t& sequence, const std::string& text) {
+    announce(sequence.length, 0);
     std::size_t length = 0;
     bool padding = false;
     for (std::size_t i = 0; i < text.size() && length < sequence.bytes.size(); ++i) {
@@ -175,6 +179,9 @@ void makeOutputWait() {
 }  // namespace
 
 terminal_guard::terminal_guard() {
+    // In the background the mode is that of the shell's prompt. Asked for anything, the terminal
+    // stops the process there until it is the user's turn.
+    tcflow(STDIN_FILENO, TCOON);
     userMode = currentMode();
     announce(userModeKnown, 1);
     std::atexit(restoreTerminal);

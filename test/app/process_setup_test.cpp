@@ -7,7 +7,24 @@
 
 #include <csignal>
 
+#include "harness/package_folder.hpp"
 #include "harness/terminal_session.hpp"
+
+// In a folder without devices the image would take the number all the same.
+TEST(ProcessSetup, KeepsTheNumberOfAClosedDescriptorWithoutANullDevice) {
+    const package_folder folder;
+    terminal_session session([&folder] {
+        if (chroot(folder.root().c_str()) != 0 || chdir("/") != 0) {
+            return std::string("no other root folder");
+        }
+        close(STDOUT_FILENO);
+        close(STDERR_FILENO);
+        setUpProcess();
+        const int image = open("/fw.bin", O_RDONLY);
+        return std::string(image > STDERR_FILENO ? "kept" : "taken");
+    });
+    EXPECT_EQ("kept", session.result());
+}
 
 TEST(ProcessSetup, RaisesTheDescriptorLimit) {
     terminal_session session([] {

@@ -26,6 +26,44 @@ protected:
 
 class resize_test : public tool_test {};
 
+/// What is typed while the program is stopped, or before it has drawn the menu anew, is no answer
+/// to what the user sees.
+class continued_test : public tool_test {
+protected:
+    void stopAtTheMenu() {
+        startMenu();
+        session->press("1");
+        awaitMenu("1");
+        session->signal(SIGSTOP);
+        session->await([this] { return isStopped(session->process()); }, "the stop");
+        session->type("\r\n");
+    }
+
+    void expectNothingChosen() {
+        awaitMenu("1");
+        EXPECT_EQ(1U, package.runs().size());  // the question at the start
+    }
+};
+
+/// Started by a shell whose prompt has a mode of its own.
+class prompt_test : public tool_test {
+protected:
+    void startShell() {
+        command = program.path;
+        program.path = "/bin/bash";
+        program.arguments = {"bash", "--norc", "--noprofile", "-i"};
+        program.environment["PS1"] = "shell: ";
+        start();
+        awaitPrompt();
+    }
+
+    void awaitPrompt() {
+        session->await([this] { return !session->terminal().isCooked(); }, "the prompt's mode");
+    }
+
+    std::string command;
+};
+
 }  // namespace
 
 TEST_P(stop_test, AtTheMenuLeavesTheTerminalToTheShell) {
@@ -97,6 +135,48 @@ TEST_P(stop_test, AndEndedWhileStoppedLeavesTheTerminalToTheShell) {
 
 INSTANTIATE_TEST_SUITE_P(Stopped, stop_test, testing::Values(SIGTSTP, SIGSTOP),
                          [](const auto& signal) { return sigabbrev_np(signal.param); });
+
+TEST_F(continued_test, TakesNoEnterFromBeforeTheDrawingAfterAStop) {
+    stopAtTheMenu();
+    session->signal(SIGCONT);
+    expectNothingChosen();
+}
+
+TEST_F(continued_test, TakesNoEnterFromBeforeTheDrawingInANewWindow) {
+    stopAtTheMenu();
+    session->resize(30, 100);
+    session->signal(SIGCONT);
+    expectNothingChosen();
+}
+
+// The prompt's mode is not what the user has when a program runs.
+TEST_F(prompt_test, IsNotKeptByAProgramThatWasStartedInTheBackground) {
+    startShell();
+    session->type(command + " &\n");
+    session->awaitScreen("Stopped");
+    session->type("fg\n");
+    session->followChild();
+    awaitMenu();
+    session->press("x");
+    session->awaitScreen("Press ENTER");
+    session->press("\r");
+    awaitMenu();
+}
+
+TEST_F(prompt_test, IsLeftAloneByAProgramThatEndsWhileItIsStopped) {
+    startShell();
+    session->type(command + "\n");
+    session->followChild();
+    awaitMenu();
+    session->signal(SIGTSTP);
+    session->awaitScreen("Stopped");
+    awaitPrompt();
+    const tcflag_t before = session->terminal().attributes().c_lflag;
+    session->signal(SIGTERM);
+    session->signal(SIGCONT);
+    session->await([this] { return !isAlive(session->process()); }, "the end of the program");
+    EXPECT_EQ(before, session->terminal().attributes().c_lflag);
+}
 
 TEST_F(resize_test, AtTheMenuDrawsItAnew) {
     start(5, 20);

@@ -10,7 +10,6 @@
 
 struct open_stream : stream {
     using stream::currentInput;
-    using stream::settleBeforeWait;
 };
 
 /// What one read yields: the count and the input.
@@ -35,10 +34,11 @@ inline std::string readKeys(int reads) {
 }
 
 /// What one read yields with this as standard input.
-inline std::string readFrom(int descriptor, open_stream input = {}) {
+inline std::string readFrom(int descriptor) {
     const int original = dup(STDIN_FILENO);
     dup2(descriptor, STDIN_FILENO);
     close(descriptor);
+    open_stream input;
     const std::string result = readOnce(input);
     dup2(original, STDIN_FILENO);
     close(original);

@@ -148,13 +148,15 @@ TEST(ReadInput, YieldsNothingAtEndOfFileAfterHalfASequence) {
 TEST(ReadInput, YieldsHalfASequenceThatEndsWithTheInput) {
     std::array<int, 2> ends{};
     ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends.data()));
-    open_stream input;
-    input.settleBeforeWait = [end = ends[1]] {
-        EXPECT_EQ(2, write(end, "\x1b[", 2));
-        close(end);
-        return false;
-    };
-    EXPECT_EQ("2:\x1b[", readFrom(ends[0], input));
+    terminal_session session([&] {
+        close(ends[1]);
+        return readFrom(ends[0]);
+    });
+    close(ends[0]);
+    session.awaitKeyWait();
+    EXPECT_EQ(2, write(ends[1], "\x1b[", 2));
+    close(ends[1]);
+    EXPECT_EQ("2:\x1b[", session.result());
 }
 
 TEST(ReadInput, YieldsNothingWhereItCannotWait) {

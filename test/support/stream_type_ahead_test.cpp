@@ -13,78 +13,66 @@
 
 namespace {
 
-/// Standard input as long as it lives: what is typed waits to be read, and where nothing waits a
-/// read returns at once, as in raw mode.
-class prepared_keyboard {
+/// A terminal on which keys are typed ahead of so many reads, each up to the byte "g", the test's
+/// own sign that all is typed.
+class typed_ahead {
 public:
-    prepared_keyboard() {
-        std::array<int, 2> ends{};
-        EXPECT_EQ(0, pipe2(ends.data(), O_NONBLOCK));
-        dup2(ends[0], STDIN_FILENO);
-        close(ends[0]);
-        typing = ends[1];
-    }
-    ~prepared_keyboard() {
-        dup2(original, STDIN_FILENO);
-        close(original);
-        close(typing);
-        std::clearerr(stdin);
+    explicit typed_ahead(int reads)
+        : session([reads] {
+              setRawMode();
+              open_stream input;
+              std::string all;
+              const auto start = std::chrono::steady_clock::now();
+              for (int read = 0; read < reads; ++read) {
+                  while (getchar() != 'g') {
+                      clearerr(stdin);
+                  }
+                  all += readOnce(input) + ";";
+              }
+              const auto elapsed = std::chrono::steady_clock::now() - start;
+              return all + std::to_string(elapsed / std::chrono::milliseconds(1));
+          }) {}
+
+    /// Types these bytes, and the key as soon as it is waited for.
+    void type(const std::string& earlier, const std::string& key) {
+        session.type("g" + earlier);
+        session.press(key);
     }
 
-    prepared_keyboard(const prepared_keyboard&) = delete;
-    prepared_keyboard& operator=(const prepared_keyboard&) = delete;
-
-    void type(std::string_view bytes) const {
-        EXPECT_EQ(std::ssize(bytes), write(typing, bytes.data(), bytes.size()));
+    /// @return what the reads yielded
+    std::string result() {
+        const std::string all = session.result();
+        const std::size_t end = all.rfind(';') + 1;
+        duration = std::chrono::milliseconds(std::stol(all.substr(end)));
+        return all.substr(0, end);
     }
 
-private:
-    int original = dup(STDIN_FILENO);
-    int typing = -1;
-};
+    std::chrono::milliseconds duration{};  ///< of all reads, once there is a result
 
-/// Is typed an x as soon as it is about to wait for a key.
-struct prepared_stream : open_stream {
-    explicit prepared_stream(const prepared_keyboard& keyboard) {
-        settleBeforeWait = [&keyboard] {
-            keyboard.type("x");
-            return false;
-        };
-    }
+    terminal_session session;
 };
 
 }  // namespace
 
 TEST(TypeAhead, IsThrownAway) {
-    terminal_session session([] {
-        setRawMode();
-        while (getchar() != 'g') {  // the test's own sign that all is typed
-            clearerr(stdin);
-        }
-        return readKeys(1);
-    });
-    session.type("123g456");
-    session.press("7");
-    EXPECT_EQ("1:7;", session.result());
+    typed_ahead user(1);
+    user.session.type("123");
+    user.type("456", "7");
+    EXPECT_EQ("1:7;", user.result());
 }
 
 // Half a key is still the key that was typed earlier.
 TEST(TypeAhead, TakesTheRestOfItsLastSequenceAlong) {
     std::string result;
     for (int tries = 0; tries < 20 && result != "1:7;"; ++tries) {
-        terminal_session session([] {
-            setRawMode();
-            while (getchar() != 'g') {
-                clearerr(stdin);
-            }
-            return readKeys(1);
-        });
+        typed_ahead user(1);
+        terminal_session& session = user.session;
         session.type("g\x1b[");
         session.await([&] { return session.isWaitingForMore() || session.isWaitingForKey(); },
                       "a wait");
         session.type("A");
         session.press("7");
-        result = session.result();
+        result = user.result();
     }
     EXPECT_EQ("1:7;", result);
 }
@@ -95,13 +83,8 @@ TEST(TypeAhead, WithAnEnterTakesAlongWhatFollows) {
     for (const std::string enter : {"\r", "\n"}) {
         std::string result;
         for (int tries = 0; tries < 20 && result != "1:7;"; ++tries) {
-            terminal_session session([] {
-                setRawMode();
-                while (getchar() != 'g') {
-                    clearerr(stdin);
-                }
-                return readKeys(1);
-            });
+            typed_ahead user(1);
+            terminal_session& session = user.session;
             session.type("gab" + enter);
             for (const std::string piece : {"4", enter.c_str(), "\x1b[B"}) {
                 session.await(
@@ -112,33 +95,32 @@ TEST(TypeAhead, WithAnEnterTakesAlongWhatFollows) {
             if (session.awaitKeyWaitOrEnd()) {
                 session.press("7");
             }
-            result = session.result();
+            result = user.result();
         }
         EXPECT_EQ("1:7;", result);
     }
 }
 
-// A held arrow key is to move the highlight as long as it is held. Waiting once for each of 40
-// reads would take 2 s at least.
+// A held arrow key is to move the highlight as long as it is held. Waiting once for each of 100
+// reads would take 5 s at least.
 TEST(TypeAhead, WithoutAnEnterIsNotWaitedFor) {
-    const prepared_keyboard keyboard;
-    prepared_stream input(keyboard);
-    const auto start = std::chrono::steady_clock::now();
-    for (int read = 0; read < 40; ++read) {
-        keyboard.type("2\x1b[B");
-        EXPECT_EQ("1:x", readOnce(input));
+    constexpr int reads = 100;
+    typed_ahead user(reads);
+    std::string expected;
+    for (int read = 0; read < reads; ++read) {
+        user.type("2\x1b[B", "x");
+        expected += "1:x;";
     }
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    EXPECT_EQ(expected, user.result());
+    EXPECT_LT(user.duration, std::chrono::seconds(5));
 }
 
 TEST(TypeAhead, WithAnEnterIsFollowedByQuiet) {
     for (const char* earlier : {"\n", "4 images\n", "\r2"}) {
-        const prepared_keyboard keyboard;
-        prepared_stream input(keyboard);
-        keyboard.type(earlier);
-        const auto start = std::chrono::steady_clock::now();
-        EXPECT_EQ("1:x", readOnce(input));
-        EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(50));
+        typed_ahead user(1);
+        user.type(earlier, "x");
+        EXPECT_EQ("1:x;", user.result());
+        EXPECT_GE(user.duration, std::chrono::milliseconds(50));
     }
 }
 

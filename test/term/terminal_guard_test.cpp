@@ -97,6 +97,19 @@ TEST(TerminalGuard, DiesOfTheSignalThatWasSentAlthoughItsOutputIsABrokenPipe) {
     EXPECT_EQ(SIGTERM, WTERMSIG(status));
 }
 
+// The process that writes to it is not to be ended by its stop.
+TEST(TerminalGuard, StopsAlthoughItsOutputIsABrokenPipe) {
+    terminal_session session(guarded([] {
+        std::array<int, 2> ends{};
+        if (pipe(ends.data()) == 0) {
+            close(ends[0]);
+            becomeStandardOutput(ends[1]);
+            raise(SIGTSTP);
+        }
+    }));
+    EXPECT_EQ("returned", session.result());
+}
+
 // The shell shares what standard output is open as, and may rely on it.
 TEST(TerminalGuard, LetsOutputWaitUntilItEnds) {
     terminal_session session([] {
