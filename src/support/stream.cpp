@@ -88,7 +88,7 @@ int stream::readInput() {
 
 void stream::readKey() {
     input_watch keyboard(STDIN_FILENO);
-    const auto settle = [&] {
+    const std::function<bool()> settle = [&] {
         // First of all, as the terminal's mode may be one in which reading waits for a whole line.
         const bool isDrawnAnew = settleBeforeWait && settleBeforeWait();
         awaitDrawn();
@@ -111,9 +111,10 @@ void stream::discardTypedAhead(const input_watch& keyboard) {
         sequence.add(byte);
         hasEnter = hasEnter || byte == lineFeed || byte == carriageReturn;
     };
-    const auto isNoEndOfQuiet = [] { return true; };  // a signal, however many there are
+    // A signal is no end of quiet, however many come in.
+    const std::function<bool()> ignoreSignals = [] { return true; };
     while (takeWaitingBytes(discard) && (hasEnter || sequence.isUnfinished()) &&
-           keyboard.waitReadable(gapMilliseconds, isNoEndOfQuiet)) {
+           keyboard.waitReadable(gapMilliseconds, ignoreSignals)) {
     }
 }
 

@@ -153,9 +153,9 @@ TEST_F(continued_test, TakesNoEnterFromBeforeTheDrawingInANewWindow) {
 TEST_F(prompt_test, IsNotKeptByAProgramThatWasStartedInTheBackground) {
     startShell();
     session->type(command + " &\n");
-    session->awaitScreen("Stopped");
-    session->type("fg\n");
     session->followChild();
+    session->await([this] { return isStopped(session->process()); }, "the stop");
+    session->type("fg\n");
     awaitMenu();
     session->press("x");
     session->awaitScreen("Press ENTER");
@@ -169,7 +169,7 @@ TEST_F(prompt_test, IsLeftAloneByAProgramThatEndsWhileItIsStopped) {
     session->followChild();
     awaitMenu();
     session->signal(SIGTSTP);
-    session->awaitScreen("Stopped");
+    session->await([this] { return isStopped(session->process()); }, "the stop");
     awaitPrompt();
     const tcflag_t before = session->terminal().attributes().c_lflag;
     session->signal(SIGTERM);
