@@ -33,10 +33,10 @@ void openStandardDescriptors() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         // What is opened takes the lowest number that is free: this one. Where there is no null
         // device, the root folder takes it, which cannot be written to either.
-        if (fcntl(descriptor, F_GETFD) == -1 &&
-            open("/dev/null", descriptor == STDIN_FILENO ? O_RDONLY : O_WRONLY) == -1) {
-            open("/", O_PATH);
-        }
+        const int mode = descriptor == STDIN_FILENO ? O_RDONLY : O_WRONLY;
+        bool isOpen = fcntl(descriptor, F_GETFD) != -1;
+        isOpen = isOpen || open("/dev/null", mode) != -1;
+        isOpen = isOpen || open("/", O_PATH) != -1;
     }
 }
 

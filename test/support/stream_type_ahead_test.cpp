@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -17,8 +18,13 @@ namespace {
 /// own sign that all is typed.
 class typed_ahead {
 public:
-    explicit typed_ahead(int reads)
-        : session([reads] {
+    /// @param carriageReturn what becomes of one: ICRNL, a line feed, or none, what it is
+    explicit typed_ahead(int reads, tcflag_t carriageReturn = ICRNL)
+        : session([reads, carriageReturn] {
+              termios attributes{};
+              tcgetattr(STDIN_FILENO, &attributes);
+              attributes.c_iflag &= ~static_cast<tcflag_t>(ICRNL) | carriageReturn;
+              tcsetattr(STDIN_FILENO, TCSANOW, &attributes);
               setRawMode();
               open_stream input;
               std::string all;
@@ -35,6 +41,7 @@ public:
 
     /// Types these bytes, and the key as soon as it is waited for.
     void type(const std::string& earlier, const std::string& key) {
+        session.await([this] { return !session.terminal().isCooked(); }, "the raw mode");
         session.type("g" + earlier);
         session.press(key);
     }
@@ -116,11 +123,14 @@ TEST(TypeAhead, WithoutAnEnterIsNotWaitedFor) {
 }
 
 TEST(TypeAhead, WithAnEnterIsFollowedByQuiet) {
-    for (const char* earlier : {"\n", "4 images\n", "\r2"}) {
-        typed_ahead user(1);
-        user.type(earlier, "x");
-        EXPECT_EQ("1:x;", user.result());
-        EXPECT_GE(user.duration, std::chrono::milliseconds(50));
+    constexpr tcflag_t none = 0;
+    for (const tcflag_t carriageReturn : {static_cast<tcflag_t>(ICRNL), none}) {
+        for (const char* earlier : {"\n", "4 images\n", "\r2"}) {
+            typed_ahead user(1, carriageReturn);
+            user.type(earlier, "x");
+            EXPECT_EQ("1:x;", user.result());
+            EXPECT_GE(user.duration, std::chrono::milliseconds(50));
+        }
     }
 }
 
