@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 
 surroundings::surroundings(std::int64_t releaseLines) : terminal(25, 80) {
@@ -17,10 +16,4 @@ surroundings::surroundings(std::int64_t releaseLines) : terminal(25, 80) {
     std::filesystem::create_symlink("/bin/true", "varnflash");
     setenv("TERM", "linux", 1);
     dup2(terminal.slave(), STDIN_FILENO);
-}
-
-void surroundings::type(std::string_view key) const {
-    if (write(terminal.master(), key.data(), key.size()) != static_cast<ssize_t>(key.size())) {
-        throw std::runtime_error("cannot type");
-    }
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string_view>
+#include <cstdint>
 
 #include "fuzz/fuzz_package.hpp"
 #include "harness/pseudo_terminal.hpp"
@@ -12,8 +12,6 @@ class surroundings {
 public:
     /// @param releaseLines lines of the release file on top of those that are needed
     explicit surroundings(std::int64_t releaseLines = 0);
-
-    void type(std::string_view key) const;
 
 private:
     fuzz_package package;
