@@ -34,9 +34,8 @@ void openStandardDescriptors() {
         // What is opened takes the lowest number that is free: this one. Where there is no null
         // device, the root folder takes it, which cannot be written to either.
         const int mode = descriptor == STDIN_FILENO ? O_RDONLY : O_WRONLY;
-        bool isOpen = fcntl(descriptor, F_GETFD) != -1;
-        isOpen = isOpen || open("/dev/null", mode) != -1;
-        isOpen = isOpen || open("/", O_PATH) != -1;
+        const bool isOpen = fcntl(descriptor, F_GETFD) != -1 || open("/dev/null", mode) != -1;
+        static_cast<void>(isOpen || open("/", O_PATH) != -1);
     }
 }
 
