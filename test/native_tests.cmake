@@ -20,6 +20,9 @@ leave_to_hardware(support_tests
     TypeAhead.IsThrownAway
     TypeAhead.TakesTheRestOfItsLastSequenceAlong
     TypeAhead.WithAnEnterTakesAlongWhatFollows
+    TypeAhead.WithAnEnterIsFollowedByQuiet
+    TypeAhead.WithoutAnEnterIsNotWaitedFor
+    ReadInput.YieldsHalfASequenceThatEndsWithTheInput
     support_test.WaitsForEnterInTheRawMode)
 leave_to_hardware(app_tests
     ProcessSetup.KeepsOutputTogetherUntilItIsFlushed)
@@ -41,3 +44,7 @@ leave_to_hardware(flash_tests
 leave_to_hardware(support_tests
     TypeAhead.TakesNoMemory
     support_test.WaitsAtEndOfFileWithoutSpinning)
+
+# The emulator opens files of its own in the root folder that the test leaves.
+leave_to_hardware(app_tests
+    ProcessSetup.KeepsTheNumberOfAClosedDescriptorWithoutANullDevice)
