@@ -51,7 +51,6 @@ void gui::checkAdministrator() {
     }
 }
 
-/// The targets are the same with and without the emergency flash; what a menu lacks is passed over.
 void gui::runEvaluation() {
     std::vector<menu_elem_t> simulated = menus;
     for (const auto& [menu, target] : scriptedWalk()) {
