@@ -20,10 +20,7 @@ protected:
 
     /// What a clear and a drawing at once would show.
     std::string freshText(int rows, int columns) {
-        const std::size_t before = session->output().size();
-        session->resize(rows, columns);
-        session->await([&] { return session->output().size() > before; }, "a drawing");
-        session->awaitKeyWait();
+        const std::size_t before = awaitDrawing([&] { session->resize(rows, columns); });
         terminal_screen fresh(rows, columns);
         fresh.write(session->output().substr(before));
         return fresh.text();

@@ -63,11 +63,7 @@ protected:
 
     /// Lets the program clear the screen and draw everything anew.
     std::string freshPicture(int rows, int columns) {
-        before = session->output().size();
-        session->signal(SIGWINCH);
-        session->await([&] { return lastOutput().find("Varn Firmware Tools") < std::string::npos; },
-                       "a drawing");
-        session->awaitKeyWait();
+        before = awaitDrawing([this] { session->signal(SIGWINCH); });
         const std::string drawing = lastOutput();
         EXPECT_TRUE(beginsWithClear(drawing)) << drawing;
         terminal_screen fresh(rows, columns);
@@ -89,10 +85,7 @@ class unemulated_window_test : public windows_test {
 protected:
     void startIn(int columns, int rows) {
         startMenu();
-        before = session->output().size();
-        session->terminal().resize(rows, columns);
-        session->await([&] { return lastOutput().find(clearSequence) != std::string::npos; },
-                       "a drawing in the new window");
+        before = awaitDrawing([&] { session->terminal().resize(rows, columns); });
     }
 };
 

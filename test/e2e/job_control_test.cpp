@@ -205,9 +205,7 @@ TEST_F(resize_test, AtAWarningShowsTheWarningAgain) {
 TEST_F(resize_test, ManyTimesInARowDoesNotWearTheWaitOut) {
     startMenu();
     for (int columns = 81; columns < 120; ++columns) {
-        const std::size_t before = session->output().size();
-        session->resize(24, columns);
-        session->await([&] { return session->output().size() > before; }, "a drawing");
+        awaitDrawing([&] { session->resize(24, columns); });
     }
     session->press("4");
     awaitMenu("4");

@@ -67,6 +67,14 @@ void tool_test::awaitMenu(const std::string& promptNumber) {
     session->awaitKeyWait();
 }
 
+std::size_t tool_test::awaitDrawing(const std::function<void()>& happen) {
+    const std::size_t before = session->output().size();
+    happen();
+    session->await([&] { return session->output().size() > before; }, "a drawing");
+    session->awaitKeyWait();
+    return before;
+}
+
 int tool_test::awaitEnd() {
     const int status = session->awaitEnd();
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);

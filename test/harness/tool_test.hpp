@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,6 +41,11 @@ protected:
 
     /// Returns when the menu is shown anew, with this number after its prompt.
     void awaitMenu(const std::string& promptNumber = "");
+
+    /// Returns when what happened has led to a drawing and the program waits for the next key: one
+    /// that is typed during the drawing is thrown away.
+    /// @return where the output of the drawing begins
+    std::size_t awaitDrawing(const std::function<void()>& happen);
 
     /// Waits for the end.
     /// @return exit status, or 128 and the signal's number as a shell counts
