@@ -6,7 +6,7 @@
 #include <fstream>
 
 std::string programUnderTest() {
-    // The packaged one in script/check-dist, one below valgrind in script/check-valgrind.
+    // The packaged one in script/check/dist, one below valgrind in script/check/valgrind.
     const char* other = std::getenv("VARNMENU_PROGRAM");
     return other == nullptr ? VARNMENU_PROGRAM : other;
 }
