@@ -57,12 +57,7 @@ double ratio(const samples_t& dividend, const samples_t& divisor) {
 
 bound_t judge(const ratio_bound_t& bound, const figures_t& figures) {
     const samples_by_contestant_t& samples = figures.at(bound.figure);
-    const samples_t& other = samples.at(bound.other);
-    std::optional<double> forLimit;
-    if (bound.other != limit && bound.other != watched_limit) {
-        forLimit = ratio(samples.at(limit), other);
-    }
-    return {bound.what, ratio(samples.at(ours), other), bound.most, forLimit};
+    return {bound.what, ratio(samples.at(ours), samples.at(bound.other)), bound.most};
 }
 
 }  // namespace
@@ -74,19 +69,18 @@ std::vector<bound_t> bounds(const figures_t& figures, const long_files_t& longFi
         all.push_back(judge(bound, figures));
     }
     for (const auto& [what, figure, greatest] : plainBounds) {
-        all.push_back({what, most(figures.at(figure).at(ours)), greatest, std::nullopt});
+        all.push_back({what, most(figures.at(figure).at(ours)), greatest});
     }
     const samples_t& young = figures.at(young_processor).at(ours);
     const samples_t& old = figures.at(old_processor).at(ours);
-    all.push_back({"CPU time of key 500 / key 1", ratio(old, young), mostUneven, std::nullopt});
+    all.push_back({"CPU time of key 500 / key 1", ratio(old, young), mostUneven});
     const long_file_t& shorter = longFiles.at(0);
     const long_file_t& longer = longFiles.at(1);
     all.push_back({"time per line of the longer release file / of the shorter",
-                   ratio(longer.milliseconds, shorter.milliseconds) / lines, mostUneven,
-                   std::nullopt});
+                   ratio(longer.milliseconds, shorter.milliseconds) / lines, mostUneven});
     all.push_back({"peak memory with the longer release file / without",
-                   ratio(longer.peakMemory, shorter.usualMemory), mostUneven, std::nullopt});
+                   ratio(longer.peakMemory, shorter.usualMemory), mostUneven});
     all.push_back({"time for the longer release file / grep -c",
-                   ratio(longer.milliseconds, longer.grepMilliseconds), 2, std::nullopt});
+                   ratio(longer.milliseconds, longer.grepMilliseconds), 2});
     return all;
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,9 +8,8 @@
 /// Something that the tool promises.
 struct bound_t {
     std::string what;
-    double value;                    ///< as measured
-    double most;                     ///< that it may be
-    std::optional<double> forLimit;  ///< the same for the smallest program, where there is that
+    double value;  ///< as measured
+    double most;   ///< that it may be
 };
 
 /// @param longFiles two, of which the second has the more lines

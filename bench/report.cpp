@@ -55,13 +55,6 @@ std::string spread(const samples_t& samples, int decimals) {
     return low == high ? middle : middle + " (" + low + " to " + high + ")";
 }
 
-std::string ratio(const samples_t& dividend, const samples_t& divisor) {
-    if (dividend.empty() || divisor.empty() || median(divisor) == 0) {
-        return "-";
-    }
-    return number(median(dividend) / median(divisor), 2);
-}
-
 }  // namespace
 
 void printFigures(std::ostream& out, const figures_t& figures, const contestants_t& contestants) {
@@ -71,42 +64,31 @@ void printFigures(std::ostream& out, const figures_t& figures, const contestants
         out << " " << contestant.name << " |";
         rule += " --- |";
     }
-    constexpr std::array others{whiptail, dialog, limit, watched_limit};
-    for (const contestant_id_t id : others) {
-        out << " / " << contestants.at(id).name << " |";
-        rule += " --- |";
-    }
     out << "\n" << rule << "\n";
     for (const auto& [figure, text, decimals] : lines) {
-        const samples_by_contestant_t& samples = figures.at(figure);
         out << "| " << text << " |";
-        for (const samples_t& each : samples) {
+        for (const samples_t& each : figures.at(figure)) {
             out << " " << spread(each, decimals) << " |";
-        }
-        for (const contestant_id_t id : others) {
-            out << " " << ratio(samples.at(ours), samples.at(id)) << " |";
         }
         out << "\n";
     }
 }
 
 void printLongFiles(std::ostream& out, const long_files_t& files) {
-    out << "| lines of the release file | added to the start, ms | grep -c, ms | / grep -c |"
-           " peak memory, kB | - with the usual file |\n"
-           "| --- | --- | --- | --- | --- | --- |\n";
+    out << "| lines of the release file | added to the start, ms | grep -c, ms | peak memory, kB |"
+           " - with the usual file |\n| --- | --- | --- | --- | --- |\n";
     for (const long_file_t& file : files) {
         out << "| " << std::filesystem::path(file.package).filename().string() << " | "
             << spread(file.milliseconds, 1) << " | " << spread(file.grepMilliseconds, 1) << " | "
-            << ratio(file.milliseconds, file.grepMilliseconds) << " | "
             << spread(file.peakMemory, 0) << " | " << spread(file.usualMemory, 0) << " |\n";
     }
 }
 
 void printBounds(std::ostream& out, const std::vector<bound_t>& bounds) {
-    out << "| bound | at most | measured | met | limit.c |\n| --- | --- | --- | --- | --- |\n";
+    out << "| bound | at most | measured | met |\n| --- | --- | --- | --- |\n";
     for (const bound_t& bound : bounds) {
         out << "| " << bound.what << " | " << number(bound.most, 2) << " | "
             << number(bound.value, 3) << " | " << (bound.value <= bound.most ? "yes" : "no")
-            << " | " << (bound.forLimit ? number(*bound.forLimit, 3) : "-") << " |\n";
+            << " |\n";
     }
 }

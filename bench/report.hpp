@@ -7,8 +7,7 @@
 
 // The tables, as text that is read as it is and as Markdown.
 
-/// By figure and contestant the median, the least and the most, and the ratios of our median to the
-/// others'.
+/// By figure and contestant the median, the least and the most.
 void printFigures(std::ostream& out, const figures_t& figures, const contestants_t& contestants);
 
 void printLongFiles(std::ostream& out, const long_files_t& files);
