@@ -24,6 +24,7 @@ constexpr char escape = '\x1b';
 constexpr char lineFeed = '\n';
 constexpr char carriageReturn = '\r';
 
+// A serial line delivers the bytes of one arrow key with gaps.
 constexpr int gapMilliseconds = 50;
 constexpr int endOfFileRestMilliseconds = 100;
 

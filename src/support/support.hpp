@@ -35,8 +35,9 @@ public:
     /// @return its exit status
     int clearScreen();
 
-    /// Prints message, unless it is empty, and reads standard input up to the next line feed. At
-    /// end of file it goes on waiting; a terminal that has hung up ends the process by SIGHUP.
+    /// Prints message, unless it is empty, and reads standard input up to the next line feed. One
+    /// that was typed earlier counts: unlike at a menu, it chooses nothing. At end of file it goes
+    /// on waiting; a terminal that has hung up ends the process by SIGHUP.
     void waitForEnter(const std::string& message);
 
     /// Sleeps once, see nanosleep(2).

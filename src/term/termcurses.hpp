@@ -34,7 +34,8 @@ public:
     termcurses();
 
     /// Gives the terminal back: screen cleared, cursor shown, attributes as they were. A failure is
-    /// not to be passed over: it ends the process, see std::terminate.
+    /// not to be passed over: it ends the process, see std::terminate, and terminal_guard restores
+    /// what it can.
     ~termcurses();
 
     termcurses(const termcurses&) = delete;

@@ -108,7 +108,8 @@ void restoreAndDie(int signal) {
     raise(signal);
 }
 
-/// Refused, as it should be, for SIGKILL, SIGSTOP and what the C library keeps for itself.
+/// A signal that a parent has ignored, as nohup(1) does, is taken over, too: children would inherit
+/// that. Refused, as it should be, for SIGKILL, SIGSTOP and what the C library keeps for itself.
 void setFatalSignalAction(void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
