@@ -6,6 +6,18 @@ namespace {
 
 class evaluation_test : public tool_test, public testing::WithParamInterface<const char*> {
 protected:
+    void startWalk(const std::string& word = "--eval") {
+        program.arguments = {"./varnmenu", word};
+        start();
+    }
+
+    void awaitNormalEnd() {
+        EXPECT_EQ(0, awaitEnd());
+        EXPECT_EQ("Exitting program 'varnmenu' due to user normal exit\n",
+                  session->screen().text());
+        expectTerminalRestored();
+    }
+
     /// How often the text was printed.
     int count(const std::string& text) const {
         int times = 0;
@@ -15,15 +27,6 @@ protected:
             ++times;
         }
         return times;
-    }
-
-    void walk() {
-        program.arguments = {"./varnmenu", "--eval"};
-        start();
-        EXPECT_EQ(0, awaitEnd());
-        EXPECT_EQ("Exitting program 'varnmenu' due to user normal exit\n",
-                  session->screen().text());
-        expectTerminalRestored();
     }
 };
 
@@ -40,7 +43,8 @@ const std::vector<std::string> documentsRead{"cat ../readme.txt",
 TEST_F(evaluation_test, WalksThroughBothMenusWithoutAnyFlash) {
     runAsNobody();  // the root check is skipped
     std::filesystem::permissions(package.root(), std::filesystem::perms::all);
-    walk();
+    startWalk();
+    awaitNormalEnd();
     EXPECT_EQ(3, count("Starting validation of inactive image, please wait..."));
     EXPECT_EQ(1, count("Preparing forced flash of 1st image, please wait..."));
     EXPECT_EQ(1, count("Preparing forced flash of 2nd image, please wait..."));
@@ -57,38 +61,22 @@ TEST_F(evaluation_test, WalksThroughBothMenusWithoutAnyFlash) {
     EXPECT_EQ(expected, package.commandLines());
 }
 
-TEST_F(evaluation_test, PassesOverTheEmergencyFlashWhereThereIsNone) {
-    package.let("varnflash", "exit 55");
-    walk();
-    EXPECT_EQ(0, count("Preparing emergency flash"));
-    EXPECT_EQ(1, count("Varn reboot pending"));
-    EXPECT_EQ(0, count("[WARN]"));
-}
-
 // Nobody is there to press ENTER: a pause takes its place, and the walk goes on.
-TEST_F(evaluation_test, GoesOnAfterAWarning) {
-    package.remove("eula_en.txt");
-    walk();
-    EXPECT_EQ(2, count("[WARN] Text file is not present ../eula_en.txt"));
-    EXPECT_EQ(0, count("Press ENTER"));
-    EXPECT_EQ("cat ../CopyrightsCentOS", package.commandLines().back());
-}
-
 TEST_F(evaluation_test, PausesASecondAtAWarning) {
     package.remove("readme.txt");
-    program.arguments = {"./varnmenu", "--eval"};
-    start();
+    startWalk();
     session->awaitScreen("[WARN] Text file is not present ../readme.txt");
     const auto shown = std::chrono::steady_clock::now();
     session->awaitScreen("#LEGAL");
     const auto pause = std::chrono::steady_clock::now() - shown;
     EXPECT_GE(pause, std::chrono::milliseconds(900));
     EXPECT_LT(pause, std::chrono::milliseconds(1900));
+    awaitNormalEnd();
+    EXPECT_EQ(0, count("Press ENTER"));
 }
 
 TEST_P(evaluation_test, StartsWithEitherWord) {
-    program.arguments = {"./varnmenu", GetParam()};
-    start();
+    startWalk(GetParam());
     session->awaitScreen("Starting validation of inactive image");
 }
 

@@ -16,19 +16,11 @@ struct typing_t {
 
 void PrintTo(const typing_t& typing, std::ostream* out) { *out << typing.name; }
 
-/// Both forms of both keys, cut at every byte. Every key moves to number 4.
+/// Each key and each form once, cut at one byte or at every one. Every key moves to number 4.
 const std::vector<typing_t> typings{
     {"DownCutAfterEscape", {"\x1b", "[B"}, "3"},
-    {"DownCutBeforeLast", {"\x1b[", "B"}, "3"},
-    {"DownByteByByte", {"\x1b", "[", "B"}, "3"},
-    {"OtherDownCutAfterEscape", {"\x1b", "OB"}, "3"},
     {"OtherDownCutBeforeLast", {"\x1bO", "B"}, "3"},
-    {"OtherDownByteByByte", {"\x1b", "O", "B"}, "3"},
-    {"UpCutAfterEscape", {"\x1b", "[A"}, "5"},
-    {"UpCutBeforeLast", {"\x1b[", "A"}, "5"},
     {"UpByteByByte", {"\x1b", "[", "A"}, "5"},
-    {"OtherUpCutAfterEscape", {"\x1b", "OA"}, "5"},
-    {"OtherUpCutBeforeLast", {"\x1bO", "A"}, "5"},
     {"OtherUpByteByByte", {"\x1b", "O", "A"}, "5"},
 };
 
@@ -41,8 +33,7 @@ protected:
 
     /// @return true when the pieces were taken for one key; ends at the menu in any case
     bool isTakenForOneKey(milliseconds gap) {
-        session->press(GetParam().from);
-        awaitMenu(GetParam().from);
+        moveTo(GetParam().from);
         session->press(GetParam().pieces.front());
         for (std::size_t next = 1; next < GetParam().pieces.size(); ++next) {
             std::this_thread::sleep_for(gap);
@@ -74,7 +65,7 @@ protected:
 
 TEST_P(hostile_gaps_test, ShortGapsLeaveTheKeyWhole) {
     startMenu();
-    for (const milliseconds gap : {milliseconds(0), milliseconds(10), milliseconds(40)}) {
+    for (const milliseconds gap : {milliseconds(0), milliseconds(40)}) {
         EXPECT_TRUE(isEverTakenForOneKey(true, gap)) << gap.count() << " ms";
     }
 }
@@ -82,13 +73,10 @@ TEST_P(hostile_gaps_test, ShortGapsLeaveTheKeyWhole) {
 // What is left of the key is warned of, and nothing of it is taken for a part of the next one.
 TEST_P(hostile_gaps_test, LongGapsTearTheKeyApart) {
     startMenu();
-    for (const milliseconds gap : {milliseconds(120), milliseconds(200)}) {
-        EXPECT_FALSE(isEverTakenForOneKey(false, gap)) << gap.count() << " ms";
-        session->press("1");
-        awaitMenu("1");
-        session->press("\x1b[B");
-        awaitMenu("2");
-    }
+    EXPECT_FALSE(isEverTakenForOneKey(false, milliseconds(120)));
+    moveTo("1");
+    session->press("\x1b[B");
+    awaitMenu("2");
 }
 
 INSTANTIATE_TEST_SUITE_P(Arrow, hostile_gaps_test, testing::ValuesIn(typings),

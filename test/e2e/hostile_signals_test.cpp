@@ -1,7 +1,4 @@
-#include <sys/stat.h>
-
 #include <csignal>
-#include <fstream>
 #include <ostream>
 #include <tuple>
 
@@ -9,207 +6,163 @@
 
 namespace {
 
-enum class state_t { menu, warning, flash, flash_wait, pager, pager_wait, evaluation_pause };
-
-struct state_row_t {
-    state_t state;
+/// One of the program's states, reached from the main menu with number 1 highlighted.
+struct state_t {
     const char* name;
-    const char* text;       ///< what is on the screen by then
-    bool isKeyWait;         ///< the program waits for a key itself
-    const char* following;  ///< the menu's number when all is over
+    std::vector<std::string> keys;
+    const char* text;        ///< what is on the screen by then
+    const char* following;   ///< the menu's number when all is over
+    std::string child = "";  ///< the program that is running, if one is
+    bool isEvaluation = false;
 };
 
-constexpr state_row_t menuRow{state_t::menu, "Menu", "> 1", true, "1"};
-constexpr state_row_t warningRow{state_t::warning, "Warning", "Press ENTER to cont", true, "1"};
-constexpr state_row_t flashRow{state_t::flash, "Flash", "writing", false, "2"};
-constexpr state_row_t flashWaitRow{state_t::flash_wait, "FlashWait", "written", true, "2"};
-constexpr state_row_t pagerRow{state_t::pager, "Pager", "reading", false, "5"};
-constexpr state_row_t pagerWaitRow{state_t::pager_wait, "PagerWait", "Press ENTER to close", true,
-                                   "5"};
-constexpr state_row_t pauseRow{state_t::evaluation_pause, "EvaluationPause",
-                               "validation of inactive image, please wait", false, ""};
+const auto everyState = testing::Values(
+    state_t{"Menu", {}, "> 1", "1"}, state_t{"Warning", {"0"}, "Press ENTER to cont", "1"},
+    state_t{"Flash", {"2", "\r"}, "at work", "2", "varnflash"},
+    state_t{"FlashWait", {"2", "\r"}, "written", "2"},
+    state_t{"Pager", {"5", "\r"}, "at work", "5", "more"},
+    state_t{"PagerWait", {"5", "\r"}, "Press ENTER to close", "5"},
+    state_t{"EvaluationPause", {}, "inactive image, please wait", "", "", true});
 
-enum class event_t { hang_up, terminate, interrupt, quit, stop, resize };
-
-struct event_row_t {
-    event_t event;
+struct event_t {
     const char* name;
     int signal;
 };
 
-constexpr event_row_t hangUpRow{event_t::hang_up, "HangUp", SIGHUP};
-constexpr event_row_t terminateRow{event_t::terminate, "Terminate", SIGTERM};
-constexpr event_row_t interruptRow{event_t::interrupt, "Interrupt", SIGINT};
-constexpr event_row_t quitRow{event_t::quit, "Quit", SIGQUIT};
-constexpr event_row_t stopRow{event_t::stop, "StopAndContinue", SIGTSTP};
-constexpr event_row_t resizeRow{event_t::resize, "Resize", SIGWINCH};
+void PrintTo(const state_t& state, std::ostream* out) { *out << state.name; }
+void PrintTo(const event_t& event, std::ostream* out) { *out << event.name; }
 
-void PrintTo(const state_row_t& state, std::ostream* out) { *out << state.name; }
-void PrintTo(const event_row_t& event, std::ostream* out) { *out << event.name; }
-
-/// One of the program's states, and a signal that comes in just then.
-class hostile_signals_test
-    : public tool_test,
-      public testing::WithParamInterface<std::tuple<state_row_t, event_row_t>> {
+/// A signal comes in while the program is in some state.
+class hostile_signals_test : public tool_test,
+                             public testing::WithParamInterface<std::tuple<state_t, event_t>> {
 protected:
-    hostile_signals_test() { mkfifo((package.root() / "go").c_str(), 0600); }
+    static const state_t& state() { return std::get<0>(GetParam()); }
+    static int signal() { return std::get<1>(GetParam()).signal; }
 
-    static const state_row_t& state() { return std::get<0>(GetParam()); }
-    static const event_row_t& event() { return std::get<1>(GetParam()); }
-
-    void startProgram() {
-        const bool isEvaluation = state().state == state_t::evaluation_pause;
-        if (event().event == event_t::stop) {
-            startFromShell(isEvaluation ? "--eval" : "");
+    void startInState() {
+        package.remove("programs/less");
+        if (state().isEvaluation) {
+            program.arguments.emplace_back("--eval");
+        }
+        if (signal() == SIGTSTP) {
+            startFromShell(state().isEvaluation ? "--eval" : "");
         } else {
-            program.arguments.resize(isEvaluation ? 2 : 1, "--eval");
             start();
         }
-        if (!isEvaluation) {
+        if (!state().isEvaluation) {
             awaitMenu();
-            session->press("1");
-            awaitMenu("1");
+            moveTo("1");
         }
-    }
-
-    void enterState() {
-        switch (state().state) {
-            case state_t::warning:
-                session->press("0");
-                break;
-            case state_t::flash:
-            case state_t::flash_wait:
-                package.let("varnflash", isState(state_t::flash)
-                                             ? "print writing\nawait go\nprint written"
-                                             : "print written");
-                choose(2);
-                break;
-            case state_t::pager:
-                package.let("less", "print reading\nawait go");
-                choose(5);
-                break;
-            case state_t::pager_wait:
-                package.remove("programs/less");
-                choose(5);
-                break;
-            case state_t::menu:
-            case state_t::evaluation_pause:
-                break;
+        package.let("varnflash", "print written");
+        if (!state().child.empty()) {
+            package.hold(state().child);
+        }
+        for (const std::string& key : state().keys) {
+            session->press(key);
         }
         session->awaitScreen(state().text);
-        if (state().isKeyWait) {
+        if (state().child.empty() && !state().isEvaluation) {
             session->awaitKeyWait();
         }
     }
 
-    static bool isState(state_t wanted) { return state().state == wanted; }
-
     void causeEvent() {
-        if (event().event == event_t::hang_up) {
-            session->hangUp();
-        } else if (event().event == event_t::resize) {
-            session->resize(30, 100);
-        } else {
-            session->signal(event().signal);
-        }
-        if (event().event == event_t::stop) {
-            session->awaitScreen("Stopped");
-            EXPECT_TRUE(session->terminal().isCooked());
-            EXPECT_TRUE(session->screen().isCursorVisible());
-            session->type("fg\n");
-            session->await([&] { return !session->terminal().isCooked(); }, "the program's mode");
-            session->await([&] { return !session->screen().isCursorVisible(); },
-                           "the cursor to be hidden");
+        switch (signal()) {
+            case SIGHUP:
+                return session->hangUp();
+            case SIGWINCH:
+                return session->resize(30, 100);
+            case SIGTSTP:
+                return stopAndContinue();
+            case SIGINT:  // to the whole group, as from a terminal
+                EXPECT_EQ(0, kill(-session->process(), SIGINT));
+                return;
+            default:
+                session->signal(signal());
         }
     }
 
-    /// What the child waits for.
-    void endChild() { std::ofstream(package.root() / "go") << "\n"; }
-
-    bool hasChildEnded() const { return package.runs().back().ended; }
+    void stopAndContinue() {
+        session->signal(SIGTSTP);
+        session->awaitScreen("Stopped");
+        expectTerminalRestored();
+        session->type("fg\n");
+        session->await([&] { return !session->terminal().isCooked(); }, "the program's mode");
+        session->await([&] { return !session->screen().isCursorVisible(); },
+                       "the cursor to be hidden");
+    }
 
     void expectDeath() {
-        EXPECT_EQ(128 + event().signal, awaitEnd());
-        if (event().event != event_t::hang_up) {
+        EXPECT_EQ(128 + signal(), awaitEnd());
+        if (signal() != SIGHUP) {
             expectTerminalRestored();
         }
     }
 
-    /// The writing goes on to its end, whether the program waits for that or is gone already.
-    void expectWritingToItsEnd() {
-        const bool isHeld = event().event != event_t::terminate;
-        if (!isHeld) {
-            expectDeath();
-        }
-        EXPECT_FALSE(hasChildEnded());
-        EXPECT_EQ(!isHeld, session->hasEnded());
-        endChild();
-        session->await([&] { return hasChildEnded(); }, "the end of the core program");
-        if (isHeld) {
-            expectDeath();
-        }
-    }
-
-    /// The program goes on where it was, and takes the next keys.
-    void expectNoChange() {
-        if (isState(state_t::evaluation_pause)) {
-            session->awaitScreen("Preparing forced flash of 1st image");
-            EXPECT_EQ(std::string::npos, session->output().find("[WARN]"));
-            EXPECT_FALSE(session->screen().isCursorVisible());
-            return;
-        }
-        if (isState(state_t::flash) || isState(state_t::pager)) {
-            EXPECT_FALSE(hasChildEnded());
-            endChild();
-            session->await([&] { return hasChildEnded(); }, "the end of the child");
-        }
-        if (!isState(state_t::menu) && !isState(state_t::pager)) {
-            session->press("\r");
-        }
-        awaitMenu(state().following);
-        session->press("\x1b[B");
-        awaitMenu(std::to_string(std::stoi(state().following) + 1));
-        EXPECT_FALSE(session->screen().isCursorVisible());
-        EXPECT_FALSE(session->terminal().isCooked());
+    void endChild() {
+        EXPECT_FALSE(package.runs().back().ended);
+        package.letGo();
+        session->await([&] { return package.runs().back().ended; }, "the end of the child");
     }
 };
 
 class deadly_signals_test : public hostile_signals_test {};
 class harmless_signals_test : public hostile_signals_test {};
 
-std::string pairName(
-    const testing::TestParamInfo<std::tuple<state_row_t, event_row_t>>& parameter) {
+std::string pairName(const testing::TestParamInfo<std::tuple<state_t, event_t>>& parameter) {
     return std::string(std::get<0>(parameter.param).name) + std::get<1>(parameter.param).name;
 }
 
-const auto everyState =
-    testing::Values(menuRow, warningRow, flashRow, flashWaitRow, pagerRow, pagerWaitRow, pauseRow);
-
 }  // namespace
 
+// The writing goes on to its end, whether the program waits for that or is gone already.
 TEST_P(deadly_signals_test, EndTheProgramButNeverAFlash) {
-    startProgram();
-    enterState();
+    startInState();
     causeEvent();
-    if (isState(state_t::flash)) {
-        expectWritingToItsEnd();
-    } else {
-        expectDeath();
+    const bool isFlash = state().child == "varnflash";
+    const bool isHeld = isFlash && signal() != SIGTERM;
+    if (isHeld) {
+        EXPECT_FALSE(session->hasEnded());
+        endChild();
+    }
+    expectDeath();
+    if (isFlash && !isHeld) {
+        endChild();
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(At, deadly_signals_test,
-                         testing::Combine(everyState, testing::Values(hangUpRow, terminateRow,
-                                                                      interruptRow, quitRow)),
+                         testing::Combine(everyState, testing::Values(event_t{"HangUp", SIGHUP},
+                                                                      event_t{"Terminate", SIGTERM},
+                                                                      event_t{"Interrupt", SIGINT},
+                                                                      event_t{"Quit", SIGQUIT})),
                          pairName);
 
+// The program goes on where it was, and takes the next keys.
 TEST_P(harmless_signals_test, ChangeNothingButTheDrawing) {
-    startProgram();
-    enterState();
+    startInState();
     causeEvent();
-    expectNoChange();
+    if (state().isEvaluation) {
+        session->awaitScreen("Preparing forced flash of 1st image");
+        EXPECT_EQ(std::string::npos, session->output().find("[WARN]"));
+        EXPECT_FALSE(session->screen().isCursorVisible());
+        return;
+    }
+    if (!state().child.empty()) {
+        endChild();
+    }
+    if (!state().keys.empty()) {
+        session->press("\r");
+    }
+    awaitMenu(state().following);
+    session->press("\x1b[B");
+    awaitMenu(std::to_string(std::stoi(state().following) + 1));
+    EXPECT_FALSE(session->screen().isCursorVisible());
+    EXPECT_FALSE(session->terminal().isCooked());
 }
 
 INSTANTIATE_TEST_SUITE_P(At, harmless_signals_test,
-                         testing::Combine(everyState, testing::Values(stopRow, resizeRow)),
+                         testing::Combine(everyState,
+                                          testing::Values(event_t{"StopAndContinue", SIGTSTP},
+                                                          event_t{"Resize", SIGWINCH})),
                          pairName);

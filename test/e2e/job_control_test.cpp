@@ -1,6 +1,4 @@
 #include <csignal>
-#include <cstring>
-#include <fstream>
 
 #include "harness/process_state.hpp"
 #include "harness/tool_test.hpp"
@@ -24,27 +22,7 @@ protected:
     }
 };
 
-class resize_test : public tool_test {};
-
-/// What is typed while the program is stopped, or before it has drawn the menu anew, is no answer
-/// to what the user sees.
-class continued_test : public tool_test {
-protected:
-    void stopAtTheMenu() {
-        startMenu();
-        session->press("1");
-        awaitMenu("1");
-        session->signal(SIGSTOP);
-        session->await([this] { return isStopped(session->process()); }, "the stop");
-        session->type("\r\n");
-    }
-
-    void expectNothingChosen() {
-        awaitMenu("1");
-        EXPECT_EQ(1U, package.runs().size());  // the question at the start
-    }
-};
-
+class continued_test : public tool_test {};
 /// Started by a shell whose prompt has a mode of its own.
 class prompt_test : public tool_test {
 protected:
@@ -68,8 +46,7 @@ protected:
 
 TEST_P(stop_test, AtTheMenuLeavesTheTerminalToTheShell) {
     startMenuFromShell();
-    session->press("2");
-    awaitMenu("2");
+    moveTo("2");
     stop();
     if (GetParam() == SIGTSTP) {  // SIGSTOP leaves no chance to show the cursor
         EXPECT_TRUE(session->screen().isCursorVisible());
@@ -92,8 +69,7 @@ TEST_P(stop_test, AtTheMenuLeavesTheTerminalToTheShell) {
 TEST_P(stop_test, AtAWarningShowsTheWarningAgain) {
     startMenuFromShell();
     session->press("0");
-    session->awaitScreen("Press ENTER");
-    session->awaitKeyWait();
+    awaitEnterPrompt();
     stop();
     takeUp();
     session->awaitScreen("Press ENTER");
@@ -105,7 +81,6 @@ TEST_P(stop_test, AtAWarningShowsTheWarningAgain) {
 }
 
 TEST_P(stop_test, DuringAFlashEndsInTheToolsOwnMode) {
-    package.let("varnflash", "print started\nline\nprint answered");
     startMenuFromShell();
     package.let("varnflash", "kill 19\nprint core program ended");
     choose(1);
@@ -136,17 +111,17 @@ TEST_P(stop_test, AndEndedWhileStoppedLeavesTheTerminalToTheShell) {
 INSTANTIATE_TEST_SUITE_P(Stopped, stop_test, testing::Values(SIGTSTP, SIGSTOP),
                          [](const auto& signal) { return sigabbrev_np(signal.param); });
 
-TEST_F(continued_test, TakesNoEnterFromBeforeTheDrawingAfterAStop) {
-    stopAtTheMenu();
+// What is typed while the program is stopped, or before it has drawn the menu anew, is no answer to
+// what the user sees.
+TEST_F(continued_test, TakesNoEnterFromBeforeTheDrawing) {
+    startMenu();
+    moveTo("1");
+    session->signal(SIGSTOP);
+    session->await([this] { return isStopped(session->process()); }, "the stop");
+    session->type("\r\n");
     session->signal(SIGCONT);
-    expectNothingChosen();
-}
-
-TEST_F(continued_test, TakesNoEnterFromBeforeTheDrawingInANewWindow) {
-    stopAtTheMenu();
-    session->resize(30, 100);
-    session->signal(SIGCONT);
-    expectNothingChosen();
+    awaitMenu("1");
+    EXPECT_EQ(1U, package.runs().size());  // the question at the start
 }
 
 // The prompt's mode is not what the user has when a program runs.
@@ -176,38 +151,4 @@ TEST_F(prompt_test, IsLeftAloneByAProgramThatEndsWhileItIsStopped) {
     session->signal(SIGCONT);
     session->await([this] { return !isAlive(session->process()); }, "the end of the program");
     EXPECT_EQ(before, session->terminal().attributes().c_lflag);
-}
-
-TEST_F(resize_test, AtTheMenuDrawsItAnew) {
-    start(5, 20);
-    session->awaitScreen("re Tools");
-    session->resize(24, 80);
-    session->await([&] { return session->screen().row(0).ends_with("Rel. 2.41"); }, "the title");
-    EXPECT_EQ(14U, session->screen().rows().size());
-    session->press("3");
-    awaitMenu("3");
-}
-
-TEST_F(resize_test, AtAWarningShowsTheWarningAgain) {
-    start(5, 20);
-    session->awaitScreen("re Tools");
-    session->press("x");
-    session->awaitScreen("Press ENTER");
-    session->awaitKeyWait();
-    session->resize(24, 80);
-    session->await([&] { return session->screen().row(0).ends_with("Rel. 2.41"); }, "the title");
-    session->awaitScreen("[WARN] Wrong input, please confirm selection by 'ENTER' only : x");
-    session->press("\r");
-    awaitMenu();
-}
-
-// A window that is dragged to its size sends dozens of signals.
-TEST_F(resize_test, ManyTimesInARowDoesNotWearTheWaitOut) {
-    startMenu();
-    for (int columns = 81; columns < 120; ++columns) {
-        awaitDrawing([&] { session->resize(24, columns); });
-    }
-    session->press("4");
-    awaitMenu("4");
-    EXPECT_EQ(std::string::npos, session->output().find("[WARN]"));
 }

@@ -1,5 +1,3 @@
-#include <sys/stat.h>
-
 #include <csignal>
 #include <fstream>
 #include <ostream>
@@ -21,7 +19,6 @@ void PrintTo(const wait_row_t& wait, std::ostream* out) { *out << wait.name; }
 class lost_terminal_test : public tool_test {
 protected:
     lost_terminal_test() {
-        mkfifo((package.root() / "go").c_str(), 0600);
         package.remove("programs/less");
         package.let("more", "print read");
         const std::string statusFile = (package.root() / "status").string();
@@ -78,21 +75,20 @@ TEST_F(lost_terminal_test, EndsARefusalToStartAsWell) {
     package.remove("fw.bin");
     start();
     session->followChild();
-    session->awaitScreen("Press ENTER");
-    session->awaitKeyWait();
+    awaitEnterPrompt();
     session->hangUp();
     EXPECT_EQ(128 + SIGHUP, awaitStatus());
 }
 
 TEST_F(lost_terminal_test, LetsAFlashComeToItsEndFirst) {
     startMenuInSession();
-    package.let("varnflash", "print writing\nawait go\nprint written");
+    package.hold("varnflash");
     choose(2);
-    session->awaitScreen("writing");
+    session->awaitScreen("at work");
     session->hangUp();
     EXPECT_TRUE(isAlive(session->process()));
     EXPECT_FALSE(package.runs().back().ended);
-    std::ofstream(package.root() / "go") << "\n";
+    package.letGo();
     EXPECT_EQ(128 + SIGHUP, awaitStatus());
     EXPECT_TRUE(package.runs().back().ended);
 }

@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <chrono>
-
 #include "harness/tool_test.hpp"
 
 namespace {
@@ -39,8 +36,6 @@ rows_t withPrompt(rows_t rows, const std::string& prompt) {
     rows[rows.size() - 3] = prompt;
     return rows;
 }
-
-constexpr const char* clearSequence = "\x1b[H\x1b[2J";
 
 class menu_screen_test : public tool_test {
 protected:
@@ -98,12 +93,7 @@ TEST_F(menu_screen_test, ShowsTheLegalMenu) {
     session->awaitScreen("#LEGAL");
     awaitMenu();
     EXPECT_EQ(legalMenu, session->screen().rows());
-    expectStyle(0, 56, 7, 4, true);
     expectStyle(1, 15, 7, 4, true);
-    expectStyle(2, 7, -1, -1, false);
-    expectStyle(9, 1, -1, -1, true);
-    expectStyle(10, 37, 1, -1, false);
-    expectStyle(11, 27, 4, -1, false);
     EXPECT_FALSE(session->screen().isCursorVisible());
 }
 
@@ -116,25 +106,17 @@ TEST_F(menu_screen_test, ShowsNoEmergencyFlashWhenTheCoreProgramSaysSo) {
         expected[static_cast<std::size_t>(row)].replace(1, 1, std::to_string(number));
     }
     EXPECT_EQ(expected, session->screen().rows());
-
-    session->press("4");
-    awaitMenu("4");
+    moveTo("4");
     EXPECT_EQ("5,4 5,9", reversed());  // "Readme"
-    choose(4);
-    session->awaitScreen("Varn-FW");
-    session->awaitKeyWait();
-    EXPECT_EQ("less ../readme.txt", package.commandLines().back());
 }
 
 TEST_F(menu_screen_test, HighlightsTheTextAfterTheNumber) {
     startMenu();
-    session->press("3");
-    awaitMenu("3");
+    moveTo("3");
     EXPECT_EQ(withPrompt(mainMenu, "> 3"), session->screen().rows());
     EXPECT_EQ("3,4 3,35", reversed());
     expectStyle(11, 2, -1, -1, true);
-    session->press("8");
-    awaitMenu("8");
+    moveTo("8");
     EXPECT_EQ("10,4 10,7", reversed());
 }
 
@@ -144,7 +126,7 @@ TEST_F(menu_screen_test, MovesTheHighlightWithArrowKeysOfBothForms) {
         session->press(key);
         awaitMenu(number);
     };
-    press("\x1b[B", "1");
+    press("\x1b[A", "1");  // up from nowhere
     press("\x1bOB", "2");
     press("\x1b[A", "1");
     press("\x1bOA", "1");  // no wrap-around
@@ -155,89 +137,29 @@ TEST_F(menu_screen_test, MovesTheHighlightWithArrowKeysOfBothForms) {
     EXPECT_EQ("7,4 7,18", reversed());
 }
 
-TEST_F(menu_screen_test, StartsAtTheFirstLineWithKeyUp) {
-    startMenu();
-    session->press("\x1b[A");
-    awaitMenu("1");
-    EXPECT_EQ("1,4 1,57", reversed());
-}
-
-TEST_F(menu_screen_test, IgnoresOtherEscapeSequences) {
-    startMenu();
-    for (const char* key : {"\x1b[C", "\x1bOP", "\x1b[15~", "\x1b[AA", "\x1bx"}) {
-        session->press(key);
-        awaitMenu();
-        EXPECT_EQ(mainMenu, session->screen().rows());
-    }
-    session->press("2");
-    awaitMenu("2");
-    session->press("\x1b[6~");
-    awaitMenu("2");
-    EXPECT_EQ(withPrompt(mainMenu, "> 2"), session->screen().rows());
-}
-
-TEST_F(menu_screen_test, RedrawsInPlace) {
-    startMenu();
-    const std::size_t before = session->output().size();
-    session->press("1");
-    awaitMenu("1");
-    const std::string redraw = session->output().substr(before);
-    EXPECT_TRUE(
-        redraw.starts_with("\x1b"
-                           "7\r\x1b[14A"))
-        << redraw;
-    EXPECT_EQ(std::string::npos, redraw.find(clearSequence));
-}
-
-TEST_F(menu_screen_test, ClearsAndDrawsWhereTheWindowIsTooShort) {
-    startMenu(14, 80);
-    session->press("2");
-    session->awaitScreen("> 2");
-    session->awaitKeyWait();
-    rows_t expected = withPrompt(mainMenu, "> 2");
-    expected.erase(expected.begin());  // the line feed after the last line scrolls
-    EXPECT_EQ(expected, session->screen().rows());
-}
-
-TEST_F(menu_screen_test, RedrawsInPlaceInAWindowThatIsJustHighEnough) {
-    startMenu(15, 80);
-    const std::size_t before = session->output().size();
-    session->press("2");
-    awaitMenu("2");
-    EXPECT_EQ(std::string::npos, session->output().find(clearSequence, before));
-    EXPECT_EQ(withPrompt(mainMenu, "> 2"), session->screen().rows());
-}
-
-TEST_F(menu_screen_test, ClearsAndDrawsWhereTheWindowIsTooNarrow) {
-    startMenu(24, 40);
-    session->press("8");
-    session->awaitScreen("> 8");
-    session->press("7");
-    session->awaitScreen("> 7");
-    session->awaitKeyWait();
-    const auto rows = session->screen().rows();
-    EXPECT_EQ("       This tool will update Varn FW -->", rows.at(0));
-    EXPECT_EQ(1, std::count(rows.begin(), rows.end(), "[1] Normal Flash of inactive Image with"));
-    EXPECT_EQ(1, std::count(rows.begin(), rows.end(), "> 7"));
-}
-
-// Where a line ends exactly at the margin, some terminals wrap and some do not.
-TEST_F(menu_screen_test, ClearsAndDrawsWhereALineReachesTheMargin) {
-    for (const auto& [columns, clears] : {std::pair{58, true}, {59, false}}) {
-        startMenu(24, columns);
+// Where a line ends exactly at the margin, some terminals wrap and some do not; and after the last
+// row a line feed scrolls.
+TEST_F(menu_screen_test, RedrawsInPlaceWhereTheWindowIsLargeEnough) {
+    struct window_t {
+        int rows;
+        int columns;
+        bool isLargeEnough;
+    };
+    for (const auto& [rows, columns, isLargeEnough] :
+         {window_t{15, 80, true}, {14, 80, false}, {24, 59, true}, {24, 58, false}}) {
+        startMenu(rows, columns);
         const std::size_t before = session->output().size();
         session->press("2");
         awaitMenu("2");
-        EXPECT_EQ(clears, session->output().find(clearSequence, before) != std::string::npos);
+        const std::string redraw = session->output().substr(before);
+        EXPECT_TRUE(redraw.starts_with(isLargeEnough ? "\x1b"
+                                                       "7\r\x1b[14A"
+                                                     : "\x1b[H\x1b[2J"))
+            << rows << "x" << columns << redraw;
+        rows_t expected = withPrompt(mainMenu, "> 2");
+        expected.erase(expected.begin(), expected.begin() + (rows < 15 ? 1 : 0));
+        EXPECT_EQ(expected, session->screen().rows());
     }
-}
-
-// A window of another size may have scrolled or wrapped what was drawn.
-TEST_F(menu_screen_test, ClearsAndDrawsInAWindowThatHasChanged) {
-    startMenu();
-    const std::size_t before = awaitDrawing([this] { session->resize(30, 100); });
-    EXPECT_NE(std::string::npos, session->output().find(clearSequence, before));
-    EXPECT_EQ(withPrompt(mainMenu, ">"), session->screen().rows());
 }
 
 TEST_F(menu_screen_test, DrawsWithOneWrite) {
@@ -257,14 +179,8 @@ TEST_F(menu_screen_test, DrawsWithOneWrite) {
 
 TEST_F(menu_screen_test, WaitsForAKeyWithoutUsingTheProcessor) {
     startMenu();
-    const double before = processorMilliseconds(session->process());
-    session->press("8");  // what follows starts from a known wait
-    awaitMenu("8");
-    const double start = processorMilliseconds(session->process());
-    EXPECT_GT(start, before);
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(3);
-    session->await([&] { return std::chrono::steady_clock::now() > end; }, "three seconds");
-    EXPECT_LT(processorMilliseconds(session->process()) - start, 10.0);
+    moveTo("8");
+    expectIdle();
 }
 
 TEST_F(menu_screen_test, ShowsTheMenuOnOtherTerminals) {

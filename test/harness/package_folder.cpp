@@ -77,6 +77,13 @@ void addFact(run_record_t& run, const std::string& kind, const std::string& valu
 
 }  // namespace
 
+std::string contentOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
 std::string properReleaseInformation() {
     return "VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=RX 2540\nIMAGE_NAME=fw.bin\n";
 }
@@ -124,6 +131,13 @@ void package_folder::let(const std::string& program, const std::string& steps) c
     const fs::path home = program == "varnflash" ? tool() : programs();
     std::ofstream(home / (program + ".steps")) << steps << "\n";
 }
+
+void package_folder::hold(const std::string& program) const {
+    mkfifo((folder / "go").c_str(), 0600);
+    let(program, "print at work\nawait go\nprint work done");
+}
+
+void package_folder::letGo() const { std::ofstream(folder / "go") << "\n"; }
 
 std::vector<run_record_t> package_folder::runs() const {
     std::map<std::string, std::size_t> indices;

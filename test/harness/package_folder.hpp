@@ -50,6 +50,10 @@ public:
     /// @param steps what it does, a line each, see stand_in.cpp
     void let(const std::string& program, const std::string& steps) const;
 
+    /// Lets a stand-in print "at work", wait for letGo() and print "work done".
+    void hold(const std::string& program) const;
+    void letGo() const;
+
     /// @return the runs of all stand-ins so far, in order
     std::vector<run_record_t> runs() const;
 
@@ -59,6 +63,9 @@ public:
 private:
     std::filesystem::path folder;
 };
+
+/// @return all bytes of a file, none where there is no file
+std::string contentOf(const std::filesystem::path& path);
 
 /// The release information of a package_folder.
 std::string properReleaseInformation();

@@ -2,8 +2,21 @@
 
 #include <sys/wait.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
+
+namespace {
+
+/// @return the processor time that a process has used
+double processorMilliseconds(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/schedstat");
+    double nanoseconds = 0;
+    file >> nanoseconds;
+    return nanoseconds / 1e6;
+}
+
+}  // namespace
 
 std::string programUnderTest() {
     // The packaged one in script/check/dist, one below valgrind in script/check/valgrind.
@@ -35,6 +48,12 @@ void tool_test::startMenu(int rows, int columns) {
     awaitMenu();
 }
 
+void tool_test::startWith(const std::string& redirections) {
+    program.path = "/bin/sh";
+    program.arguments = {"sh", "-c", "exec " + programUnderTest() + " " + redirections};
+    start();
+}
+
 void tool_test::startMenuFromShell() {
     startFromShell();
     awaitMenu();
@@ -51,9 +70,19 @@ void tool_test::startFromShell(const std::string& arguments) {
     session->followChild();
 }
 
+void tool_test::moveTo(const std::string& number) {
+    session->press(number);
+    awaitMenu(number);
+}
+
 void tool_test::choose(int number) {
     session->press(std::to_string(number));
     session->press("\r");
+}
+
+void tool_test::awaitEnterPrompt() {
+    session->awaitScreen("Press ENTER");
+    session->awaitKeyWait();
 }
 
 void tool_test::awaitMenu(const std::string& promptNumber) {
@@ -85,11 +114,12 @@ void tool_test::expectTerminalRestored() {
     EXPECT_TRUE(session->screen().isCursorVisible());
 }
 
-double processorMilliseconds(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/schedstat");
-    double nanoseconds = 0;
-    file >> nanoseconds;
-    return nanoseconds / 1e6;
+void tool_test::expectIdle() {
+    const double before = processorMilliseconds(session->process());
+    EXPECT_GT(before, 0.0);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(3);
+    session->await([&] { return std::chrono::steady_clock::now() > end; }, "three seconds");
+    EXPECT_LT(processorMilliseconds(session->process()) - before, 10.0);
 }
 
 long writeCalls(pid_t process) {

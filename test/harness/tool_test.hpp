@@ -30,14 +30,23 @@ protected:
     /// Starts it and returns when the main menu is shown.
     void startMenu(int rows = 24, int columns = 80);
 
+    /// Starts it with these redirections of a shell, "<&-" for a closed standard input.
+    void startWith(const std::string& redirections);
+
     /// Starts it from a shell with job control.
     void startFromShell(const std::string& arguments = "");
 
     /// The same, and returns when the main menu is shown.
     void startMenuFromShell();
 
+    /// Highlights the line with this shown number.
+    void moveTo(const std::string& number);
+
     /// Confirms the line with this shown number.
     void choose(int number);
+
+    /// Returns when the program asks for ENTER and waits for it.
+    void awaitEnterPrompt();
 
     /// Returns when the menu is shown anew, with this number after its prompt.
     void awaitMenu(const std::string& promptNumber = "");
@@ -53,13 +62,13 @@ protected:
 
     void expectTerminalRestored();
 
+    /// The program waits, and uses no processor for that.
+    void expectIdle();
+
     program_t program;
     package_folder package;
     std::unique_ptr<terminal_session> session;
 };
-
-/// @return the processor time that a process has used, in milliseconds
-double processorMilliseconds(pid_t process);
 
 /// @return how many writes a process has made, see proc(5), "syscw"
 long writeCalls(pid_t process);

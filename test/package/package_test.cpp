@@ -1,7 +1,6 @@
 #include "package/package_test.hpp"
 
 #include <fstream>
-#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -34,13 +33,6 @@ void addStandInTool(const package_folder& package) {
     for (const auto& entry : fs::recursive_directory_iterator(package.root())) {
         fs::permissions(entry, fs::perms(0022), fs::perm_options::remove);
     }
-}
-
-std::string contentOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
 }
 
 void package_test::runScriptAsNobody() {

@@ -16,9 +16,6 @@ struct package_script {
                   const std::filesystem::path& directory) const;
 };
 
-/// @return all bytes of a file
-std::string contentOf(const std::filesystem::path& path);
-
 /// The shells that the script is to work with.
 const std::vector<std::vector<std::string>>& shells();
 

@@ -4,15 +4,28 @@
 
 namespace {
 
-constexpr int mostKeys = 200;  // some 100 KiB of drawings, more than any terminal has room for
+/// A user who stops the output with Ctrl-S and types on.
+class stopped_output_test : public tool_test {
+protected:
+    /// Nothing of what the program writes is seen until the user lets the output go on.
+    void pressWhileStopped(const std::string& key) {
+        session->awaitKeyWait();
+        const std::string before = session->screen().text();
+        session->type("\x13");
+        session->press(key);
+        session->await([&] { return session->isHeldUpByOutput(); }, "the drawing to be held up");
+        EXPECT_EQ(before, session->screen().text());
+    }
+
+    void goOn() { session->type("\x11"); }
+};
 
 /// A terminal on a serial line: it takes a whole second for one drawing.
-class hostile_slow_terminal_test : public tool_test {
+class slow_output_test : public tool_test {
 protected:
     void SetUp() override {
         startMenu();
-        session->press("1");
-        awaitMenu("1");
+        moveTo("1");
         firstRow = session->screen().row(0);
         rowCount = session->screen().rows().size();
         session->takeOutputSlowly(true);
@@ -43,7 +56,33 @@ protected:
 
 }  // namespace
 
-TEST_F(hostile_slow_terminal_test, ShowsEveryDrawingWhole) {
+// Keys after the first, typed at a screen that does not show it, are thrown away.
+TEST_F(stopped_output_test, ShowsOneKeysMoveAndForgetsTheOthers) {
+    startMenu();
+    moveTo("1");
+    const std::size_t runs = package.runs().size();
+    pressWhileStopped("\x1b[B");
+    session->type("3\r7\r");
+    goOn();
+    awaitMenu("2");
+    EXPECT_EQ(14U, session->screen().rows().size());
+    EXPECT_EQ(runs, package.runs().size());
+    moveTo("4");
+}
+
+TEST_F(stopped_output_test, ShowsAWarningWhole) {
+    startMenu();
+    pressWhileStopped("x");
+    goOn();
+    session->awaitScreen("Press ENTER to continue...");
+    EXPECT_EQ("[WARN] Wrong input, please confirm selection by 'ENTER' only : x",
+              session->screen().row(16));
+    pressWhileStopped("\r");
+    goOn();
+    awaitMenu();
+}
+
+TEST_F(slow_output_test, ShowsEveryDrawingWhole) {
     session->press("5");
     expectWholeMenu("5");
     session->press("x");
@@ -56,7 +95,8 @@ TEST_F(hostile_slow_terminal_test, ShowsEveryDrawingWhole) {
 
 // A key that is held down makes more drawings than the line can take: the program has to wait, and
 // shows the last one as whole as the first.
-TEST_F(hostile_slow_terminal_test, HoldsTheProgramUpUntilItHasTakenEnough) {
+TEST_F(slow_output_test, HoldsTheProgramUpUntilItHasTakenEnough) {
+    constexpr int mostKeys = 200;  // some 100 KiB of drawings, more than any terminal has room for
     for (int key = 0; !isHeldUp(); ++key) {
         ASSERT_LT(key, mostKeys) << "nothing holds the program up";
         const long before = writeCalls(session->process());
