@@ -1,86 +1,48 @@
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <fstream>
-#include <sstream>
 #include <thread>
 
-#include "harness/package_folder.hpp"
-#include "harness/tool_test.hpp"
+#include "e2e/demo_test.hpp"
 
 namespace {
 
-/// flash-server.exp in front of the package that script/demo shows.
-class flash_server_test : public testing::Test {
+/// flash-server.exp in front of the simulated package.
+class flash_server_test : public demo_test {
 protected:
-    struct outcome_t {
-        int status;
-        std::string printed;
+    /// @param words options, and the command that starts the menu
+    /// @return exit status, a blank and what was printed
+    static std::string run(const std::string& words) { return runShell(script + words); }
 
-        bool operator==(const outcome_t&) const = default;
-        friend std::ostream& operator<<(std::ostream& stream, const outcome_t& outcome) {
-            return stream << outcome.status << ", " << outcome.printed;
-        }
-    };
-
-    static constexpr const char* flashServer =
-        FLEET_FOLDER "/roles/varn_firmware/files/flash-server.exp";
-
-    void assemble(const std::string& server = "server", const std::string& state = "step=0") {
-        const std::string command = DEMO_FOLDER "/assemble " + programUnderTest() + " " +
-                                    folder(server).string() + " " + state;
-        ASSERT_EQ(0, std::system(command.c_str()));
+    static std::string runShell(const std::string& command) {
+        const outcome_t outcome = outcomeOf({.path = "/bin/sh",
+                                             .arguments = {"sh", "-c", command + " 2>&1"},
+                                             .environment = {{"PATH", "/usr/bin:/bin"}},
+                                             .directory = "/"});
+        return std::to_string(outcome.status) + " " + outcome.output;
     }
 
-    std::filesystem::path folder(const std::string& server = "server") const {
-        return package.root() / server;
-    }
-
-    static outcome_t run(const std::string& command) {
-        std::FILE* output = popen((command + " 2>&1").c_str(), "r");
-        std::string printed;
-        for (int byte = std::fgetc(output); byte != EOF; byte = std::fgetc(output)) {
-            printed.push_back(static_cast<char>(byte));
-        }
-        return {WEXITSTATUS(pclose(output)), printed};
-    }
-
-    outcome_t flash(const std::string& options = "") const {
-        return run(std::string(flashServer) + " " + options + " sh -c 'cd " +
-                   (folder() / "tool").string() + " && exec ./varnmenu'");
+    std::string flash(const std::string& options = "") const {
+        return run(options + " sh -c 'cd " + (folder() / "tool").string() + " && exec ./varnmenu'");
     }
 
     /// The core program does this when it is asked to flash.
-    void letCoreProgram(const std::string& script) const {
+    void letCoreProgram(const std::string& text) const {
         std::ofstream(folder() / "tool/varnflash")
-            << "#!/bin/sh\n[ \"$1\" != /ispfr ] || exit 0\n" + script + "\n";
+            << "#!/bin/sh\n[ \"$1\" != /ispfr ] || exit 0\n" + text + "\n";
     }
 
-    static std::string contentOf(const std::filesystem::path& path) {
-        std::ifstream file(path);
-        std::ostringstream text;
-        text << file.rdbuf();
-        return text.str();
-    }
-
-    bool stateHolds(const std::string& line) const {
-        return contentOf(folder() / "tool/varnflash.state").find(line + "\n") != std::string::npos;
-    }
-
-    package_folder package;
+    static inline const std::string script =
+        FLEET_FOLDER "/roles/varn_firmware/files/flash-server.exp ";
 };
 
 }  // namespace
 
 TEST_F(flash_server_test, FlashesTheInactiveImage) {
     assemble();
-    EXPECT_EQ((outcome_t{0,
-                         "server: flashed: Done. Image 2 becomes active with the next reboot of "
-                         "the Varn.\n"}),
-              flash());
+    EXPECT_EQ(
+        "0 server: flashed: Done. Image 2 becomes active with the next reboot of "
+        "the Varn.\n",
+        flash());
     EXPECT_TRUE(stateHolds("release2=2.41"));
     EXPECT_TRUE(stateHolds("release1=2.10"));
 }
@@ -88,58 +50,52 @@ TEST_F(flash_server_test, FlashesTheInactiveImage) {
 // Without the emergency flash Exit has another number.
 TEST_F(flash_server_test, LeavesByExitWhicheverNumberItHas) {
     for (const char* state : {"ispfr=0 step=0", "ispfr=55 step=0"}) {
-        assemble("server", state);
-        const outcome_t outcome = flash("-v");
-        EXPECT_EQ(0, outcome.status);
-        EXPECT_NE(std::string::npos, outcome.printed.find("due to user normal exit"))
-            << outcome.printed;
+        assemble(state);
+        const std::string outcome = flash("-v");
+        EXPECT_TRUE(outcome.starts_with("0 ")) << outcome;
+        EXPECT_NE(std::string::npos, outcome.find("due to user normal exit")) << outcome;
     }
 }
 
 TEST_F(flash_server_test, CarriesOutTheEntryThatItIsTold) {
     assemble();
-    EXPECT_EQ(0, flash("-e 'Forced Normal Flash of 1st'").status);
+    EXPECT_TRUE(flash("-e 'Forced Normal Flash of 1st'").starts_with("0 "));
     EXPECT_TRUE(stateHolds("release1=2.41"));
-    EXPECT_EQ((outcome_t{0, "rack 7: flashed: The Varn is up. Active image: 1\n"}),
+    EXPECT_EQ("0 rack 7: flashed: The Varn is up. Active image: 1\n",
               flash("-n 'rack 7' -e 'Reboot Varn' -d 'The Varn is up'"));
 }
 
 TEST_F(flash_server_test, TellsThatTheCoreProgramRefuses) {
-    assemble("server", "step=0 release1=2.41");
-    EXPECT_EQ(
-        (outcome_t{1, "server: refused: varnflash: release 2.41 runs already, nothing to do\n"}),
-        flash());
+    assemble("step=0 release1=2.41");
+    EXPECT_EQ("1 server: refused: varnflash: release 2.41 runs already, nothing to do\n", flash());
 }
 
 TEST_F(flash_server_test, TellsThatTheMenuHasNoSuchEntry) {
-    assemble("server", "step=0 ispfr=55");
-    EXPECT_EQ((outcome_t{1, "server: refused: the menu has no entry 'Emergency'\n"}),
-              flash("-e Emergency"));
+    assemble("step=0 ispfr=55");
+    EXPECT_EQ("1 server: refused: the menu has no entry 'Emergency'\n", flash("-e Emergency"));
 }
 
 TEST_F(flash_server_test, TellsThatThePackageDoesNotStart) {
     assemble();
     std::filesystem::remove(folder() / "varn-2.41.bin");
-    EXPECT_EQ((outcome_t{3,
-                         "server: not started: [CRIT] Invalid argument error: Firmware file not "
-                         "found: varn-2.41.bin\n"}),
-              flash());
+    EXPECT_EQ(
+        "3 server: not started: [CRIT] Invalid argument error: Firmware file not "
+        "found: varn-2.41.bin\n",
+        flash());
 }
 
 TEST_F(flash_server_test, TellsThatTheServerCannotBeReached) {
-    EXPECT_EQ((outcome_t{3, "server: not started: the command has ended: No route to host\n"}),
-              run(std::string(flashServer) + " sh -c 'echo No route to host; exit 255'"));
-    EXPECT_EQ((outcome_t{3, "server: not started: no menu within 1 seconds\n"}),
-              run(std::string(flashServer) + " -s 1 sleep 10"));
+    EXPECT_EQ("3 server: not started: the command has ended: No route to host\n",
+              run("sh -c 'echo No route to host; exit 255'"));
+    EXPECT_EQ("3 server: not started: no menu within 1 seconds\n", run("-s 1 sleep 10"));
 }
 
 TEST_F(flash_server_test, LetsAFlashGoOnThatTakesTooLong) {
-    assemble("server", "step=0.06");
-    const outcome_t outcome = flash("-t 1");
-    EXPECT_EQ(4, outcome.status);
-    EXPECT_EQ(0U, outcome.printed.find(
-                      "server: unclear: the core program has not ended within 1 seconds: "))
-        << outcome.printed;
+    assemble("step=0.06");
+    const std::string outcome = flash("-t 1");
+    EXPECT_TRUE(
+        outcome.starts_with("4 server: unclear: the core program has not ended within 1 seconds: "))
+        << outcome;
     EXPECT_FALSE(stateHolds("release2=2.41"));
     for (int rests = 0; rests < 300 && !stateHolds("release2=2.41"); ++rests) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
@@ -150,10 +106,9 @@ TEST_F(flash_server_test, LetsAFlashGoOnThatTakesTooLong) {
 TEST_F(flash_server_test, TellsThatTheOutcomeIsNotKnown) {
     assemble();
     letCoreProgram("kill -KILL $$");
-    EXPECT_EQ((outcome_t{4, "server: unclear: [WARN] Command cannot be executed properly\n"}),
-              flash());
+    EXPECT_EQ("4 server: unclear: [WARN] Command cannot be executed properly\n", flash());
     letCoreProgram("echo Erasing; kill -KILL $PPID");
-    EXPECT_EQ((outcome_t{4, "server: unclear: the connection is gone: Erasing\n"}), flash());
+    EXPECT_EQ("4 server: unclear: the connection is gone: Erasing\n", flash());
 }
 
 // The core program says that it is done, and then that it is not; or it is killed after that.
@@ -161,18 +116,15 @@ TEST_F(flash_server_test, BelievesNoSuccessBeforeTheMenuIsBack) {
     assemble();
     letCoreProgram(
         "echo 'Image 1: Done.'; sleep 2; echo 'varnflash: image 2 cannot be written'; exit 1");
-    EXPECT_EQ((outcome_t{1, "server: refused: varnflash: image 2 cannot be written\n"}), flash());
+    EXPECT_EQ("1 server: refused: varnflash: image 2 cannot be written\n", flash());
     letCoreProgram("echo 'Image 1: Done.'; sleep 1; kill -KILL $$");
-    EXPECT_EQ((outcome_t{4, "server: unclear: [WARN] Command cannot be executed properly\n"}),
-              flash());
+    EXPECT_EQ("4 server: unclear: [WARN] Command cannot be executed properly\n", flash());
 }
 
 TEST_F(flash_server_test, TellsAtOnceThatNothingWasSaid) {
     assemble();
     letCoreProgram("echo Erasing");
-    EXPECT_EQ(
-        (outcome_t{4, "server: unclear: the core program has not said how it went: Erasing\n"}),
-        flash());
+    EXPECT_EQ("4 server: unclear: the core program has not said how it went: Erasing\n", flash());
 }
 
 // What ends it is sent by what it has started, so always at the same moment.
@@ -195,14 +147,14 @@ TEST_F(flash_server_test, TellsWhetherTheFlashHadBegunWhenItIsEnded) {
 TEST_F(flash_server_test, KeepsAReasonThatComesInPieces) {
     assemble();
     letCoreProgram("printf varnflash:; sleep 2; echo ' the image is too old'; exit 1");
-    EXPECT_EQ((outcome_t{1, "server: refused: varnflash: the image is too old\n"}), flash());
+    EXPECT_EQ("1 server: refused: varnflash: the image is too old\n", flash());
 }
 
 // The highlight stays on the entry: a second ENTER would flash again.
 TEST_F(flash_server_test, FlashesOnce) {
     assemble();
     letCoreProgram("echo run >>runs; echo Done.");
-    EXPECT_EQ((outcome_t{0, "server: flashed: Done.\n"}), flash());
+    EXPECT_EQ("0 server: flashed: Done.\n", flash());
     EXPECT_EQ("run\n", contentOf(folder() / "tool/runs"));
 }
 
@@ -216,55 +168,49 @@ TEST_F(flash_server_test, PassesOverWhatIsNotTheCoreProgram) {
     const std::string start =
         "'i=0; while [ $i -lt 60 ]; do i=$((i + 1)); echo Welcome; done; cd " +
         (folder() / "tool").string() + " && exec ./varnmenu'";
-    EXPECT_EQ((outcome_t{0, "server: flashed: Done.\n"}),
-              run(std::string(flashServer) + " -f 'not written' sh -c " + start));
-    EXPECT_EQ((outcome_t{1, "server: refused: varnflash: the first line\n"}),
-              run(std::string(flashServer) + " sh -c " + start));
+    EXPECT_EQ("0 server: flashed: Done.\n", run("-f 'not written' sh -c " + start));
+    EXPECT_EQ("1 server: refused: varnflash: the first line\n", run("sh -c " + start));
 }
 
 TEST_F(flash_server_test, TellsWhyNothingStarted) {
-    EXPECT_EQ((outcome_t{3,
-                         "server: not started: the command has ended: sh: 1: cd: can't cd to "
-                         "/opt/nope\n"}),
-              run(std::string(flashServer) + " sh -c 'sh -c \"cd /opt/nope && exec ./varnmenu\"; "
-                                             "echo Connection to server1 closed.'"));
     EXPECT_EQ(
-        (outcome_t{3, "server: not started: no menu within 1 seconds: root@server1's password:\n"}),
-        run(std::string(flashServer) +
-            " -s 1 sh -c 'printf \"root@server1'\\''s password: \"; exec sleep 10'"));
+        "3 server: not started: the command has ended: sh: 1: cd: can't cd to "
+        "/opt/nope\n",
+        run("sh -c 'sh -c \"cd /opt/nope && exec ./varnmenu\"; "
+            "echo Connection to server1 closed.'"));
+    EXPECT_EQ("3 server: not started: no menu within 1 seconds: root@server1's password:\n",
+              run(" -s 1 sh -c 'printf \"root@server1'\\''s password: \"; exec sleep 10'"));
 }
 
 TEST_F(flash_server_test, KeepsTheWholeSession) {
     assemble();
     const std::filesystem::path log = package.root() / "log";
-    EXPECT_EQ(0, flash("-l " + log.string()).status);
+    EXPECT_TRUE(flash("-l " + log.string()).starts_with("0 "));
     const std::string first = contentOf(log);
     EXPECT_NE(std::string::npos, first.find("\n== server, 2")) << first;
     EXPECT_NE(std::string::npos, first.find("Erasing   100%")) << first;
     EXPECT_NE(std::string::npos, first.find("due to user normal exit")) << first;
-    EXPECT_EQ(1, flash("-e Nothing -l " + log.string()).status);
+    EXPECT_TRUE(flash("-e Nothing -l " + log.string()).starts_with("1 "));
     EXPECT_EQ(0U, contentOf(log).find(first));
 
-    const outcome_t outcome = flash("-l /nowhere/log");
-    EXPECT_EQ(3, outcome.status);
-    EXPECT_EQ(0U, outcome.printed.find("server: not started: ")) << outcome.printed;
+    const std::string outcome = flash("-l /nowhere/log");
+    EXPECT_TRUE(outcome.starts_with("3 server: not started: ")) << outcome;
 }
 
 TEST_F(flash_server_test, DrivesManyServers) {
-    assemble("one");
-    assemble("two", "step=0 release1=2.41");
-    const outcome_t outcome =
-        run("printf '%s\\n' one two | xargs -P 2 -I HOST " + std::string(flashServer) +
-            " -n HOST sh -c 'cd " + package.root().string() + "/HOST/tool && exec ./varnmenu'");
-    EXPECT_EQ(123, outcome.status);
-    EXPECT_NE(std::string::npos, outcome.printed.find("one: flashed: "));
-    EXPECT_NE(std::string::npos, outcome.printed.find("two: refused: "));
+    assemble("step=0", "one");
+    assemble("step=0 release1=2.41", "two");
+    const std::string outcome =
+        runShell("printf '%s\\n' one two | xargs -P 2 -I HOST " + script + "-n HOST sh -c 'cd " +
+                 package.root().string() + "/HOST/tool && exec ./varnmenu'");
+    EXPECT_TRUE(outcome.starts_with("123 ")) << outcome;
+    EXPECT_NE(std::string::npos, outcome.find("one: flashed: "));
+    EXPECT_NE(std::string::npos, outcome.find("two: refused: "));
 }
 
 TEST_F(flash_server_test, ExplainsItsOptions) {
     for (const char* words : {"", "-x true", "-n", "-t soon true", "-d '(' true", "-f '(' true"}) {
-        const outcome_t outcome = run(std::string(flashServer) + " " + words);
-        EXPECT_EQ(2, outcome.status);
-        EXPECT_EQ(0U, outcome.printed.find("usage: flash-server.exp "));
+        const std::string outcome = run(words);
+        EXPECT_TRUE(outcome.starts_with("2 usage: flash-server.exp ")) << outcome;
     }
 }
