@@ -31,6 +31,7 @@ typed_input::typed_input(const std::string& bytes) : original(dup(STDIN_FILENO))
     dup2(ends[0], STDIN_FILENO);
     close(ends[0]);
     __fpurge(stdin);
+    clearerr(stdin);
 }
 
 typed_input::~typed_input() {
