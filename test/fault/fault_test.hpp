@@ -12,6 +12,7 @@
 class fault_test : public tool_test {
 protected:
     void start(const std::string& fault, const std::string& argument = "") {
+        package.remove("fault.log");
         package.remove("programs/less");
         package.let("more", "show");
         program.path = FAULT_PROGRAM;

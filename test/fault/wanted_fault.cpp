@@ -26,8 +26,6 @@ int errorNumber(const char* name) {
         const char* name;
         int number;
     } errors[] = {{"EIO", EIO},
-                  {"ENOSPC", ENOSPC},
-                  {"EAGAIN", EAGAIN},
                   {"EINTR", EINTR},
                   {"EBADF", EBADF},
                   {"EMFILE", EMFILE},
@@ -35,7 +33,6 @@ int errorNumber(const char* name) {
                   {"ENOENT", ENOENT},
                   {"EACCES", EACCES},
                   {"ENOMEM", ENOMEM},
-                  {"E2BIG", E2BIG},
                   {"ECHILD", ECHILD},
                   {"short", shortCount},
                   {"eof", endOfFile},
