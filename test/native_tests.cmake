@@ -13,7 +13,6 @@ leave_to_hardware(support_tests
     ReadInput.TakesAWholeArrowKey
     ReadInput.TakesALoneEscape
     ReadInput.WaitsForTheRestOfASequence
-    ReadInput.TakesNoDeleteForTheEndOfASequence
     ReadInput.DoesNotWaitAfterAFinishedSequence
     ReadInput.EndsTheMenuAtCtrlC
     ReadInput.LeavesOneDescriptorOpenForEachKeyTyped
@@ -34,7 +33,7 @@ leave_to_hardware(support_tests
 leave_to_hardware(flash_tests
     flashtools_test.PassesOnTheRunnersFailure)
 leave_to_hardware(docs_tests
-    read_prog_handler_test.FailsWithoutClear)
+    readtxt_test.FailsWithoutClear)
 
 # The emulator leaves signals of its own in what a child inherits.
 leave_to_hardware(flash_tests

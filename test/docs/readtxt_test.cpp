@@ -44,6 +44,7 @@ protected:
 TEST_F(readtxt_test, ShowsTheReadmeWithLess) {
     EXPECT_EQ((lines_t{"which less", "clear", "less ../readme.txt"}), shown(6, text_readme));
     EXPECT_EQ("\x1b[H\x1b[2J\n", printed);
+    EXPECT_EQ(4U, package.runs().back().environment.size());  // the usual ones alone
 }
 
 TEST_F(readtxt_test, ShowsEveryLegalDocument) {
@@ -104,6 +105,11 @@ TEST_F(readtxt_test, KeepsTheFirstDocumentOfAMenuItem) {
 TEST_F(readtxt_test, IgnoresTheReadersExitStatus) {
     package.let("less", "exit 1");
     EXPECT_EQ("less ../readme.txt", shown(6, text_readme).back());
+}
+
+TEST_F(readtxt_test, FailsWithoutClear) {
+    package.remove("programs/clear");
+    EXPECT_EQ("Command cannot be executed properly", failure(6, text_readme));
 }
 
 TEST_F(readtxt_test, PassesOnTheRunnersFailure) {

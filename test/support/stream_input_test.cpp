@@ -76,24 +76,6 @@ TEST(ReadInput, WaitsForTheRestOfASequence) {
     }
 }
 
-TEST(ReadInput, TakesNoDeleteForTheEndOfASequence) {
-    bool waitedForMore = false;
-    for (int tries = 0; tries < 20 && !waitedForMore; ++tries) {
-        terminal_session session([] { return readKeys(1); });
-        session.awaitKeyWait();
-        session.type("\x1b[\x7f");
-        session.await(
-            [&] {
-                waitedForMore = session.isWaitingForMore();
-                return waitedForMore || session.hasEnded();
-            },
-            "a wait for more");
-        session.type("~");
-        session.awaitEnd();
-    }
-    EXPECT_TRUE(waitedForMore);
-}
-
 // Nobody can ever type again, and the signal that tells so may have gone to others only.
 TEST(ReadInput, DiesWithItsTerminal) {
     terminal_session session([] {
@@ -131,18 +113,13 @@ TEST(ReadInput, EndsTheMenuAtCtrlC) {
 }
 
 TEST(ReadInput, YieldsNothingAtEndOfFile) {
-    std::array<int, 2> ends{};
-    ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()));
-    close(ends[1]);  // readable for ever, and never a byte
-    EXPECT_EQ("0:", readFrom(ends[0]));
-}
-
-TEST(ReadInput, YieldsNothingAtEndOfFileAfterHalfASequence) {
-    std::array<int, 2> ends{};
-    ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()));
-    ASSERT_EQ(2, write(ends[1], "\x1b[", 2));
-    close(ends[1]);
-    EXPECT_EQ("0:", readFrom(ends[0]));
+    for (const std::string_view earlier : {"", "\x1b["}) {
+        std::array<int, 2> ends{};
+        ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()));
+        ASSERT_EQ(earlier.size(), write(ends[1], earlier.data(), earlier.size()));
+        close(ends[1]);  // readable for ever, and never another byte
+        EXPECT_EQ("0:", readFrom(ends[0]));
+    }
 }
 
 TEST(ReadInput, YieldsHalfASequenceThatEndsWithTheInput) {
@@ -186,15 +163,11 @@ TEST(QueueInput, IsReadBeforeTheTerminal) {
     const typed_input keyboard("9");
     input.queueInput("2");
     input.queueInput("");
+    input.queueInput("12\x03");
     EXPECT_EQ("1:2", readOnce(input));
     EXPECT_EQ("user interruption", readOnce(input));
-    EXPECT_EQ('9', getchar());  // untouched so far
-}
-
-TEST(QueueInput, InterruptsWithAnyTextThatEndsInCtrlC) {
-    open_stream input;
-    input.queueInput("12\x03");
     EXPECT_EQ("user interruption", readOnce(input));
+    EXPECT_EQ('9', getchar());  // untouched so far
 }
 
 TEST(Classification, TellsNumbersFromOtherInput) {

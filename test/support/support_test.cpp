@@ -50,18 +50,13 @@ long processorMilliseconds() {
 
 }  // namespace
 
-TEST_F(support_test, NeedsThePath) {
-    unsetenv("PATH");
-    EXPECT_EQ(environmentFailure, constructionFailure());
-    setenv("PATH", "/bin", 1);
-}
-
-TEST_F(support_test, NeedsTheTerminalType) {
-    unsetenv("TERM");
-    EXPECT_EQ(environmentFailure, constructionFailure());
-}
-
-TEST_F(support_test, NeedsTheWorkingDirectory) {
+TEST_F(support_test, NeedsPathTerminalTypeAndWorkingDirectory) {
+    for (const char* name : {"PATH", "TERM"}) {
+        const std::string value = std::getenv(name);
+        unsetenv(name);
+        EXPECT_EQ(environmentFailure, constructionFailure());
+        setenv(name, value.c_str(), 1);
+    }
     package.remove("tool");
     EXPECT_EQ(environmentFailure, constructionFailure());
 }
@@ -127,13 +122,6 @@ TEST(Delay, FailsWhenASignalCutsItShort) {
     EXPECT_EQ("Cannot complete delay of seconds: 2", interruptedDelay(support::seconds, 2));
     EXPECT_EQ("Cannot complete delay of seconds: 500000",
               interruptedDelay(support::milliseconds, 500));
-}
-
-TEST_F(support_test, WaitsForALineFeedAfterItsMessage) {
-    const typed_input keys("abc\n");
-    captured_output output;
-    support().waitForEnter("Press ENTER to continue...");
-    EXPECT_EQ("Press ENTER to continue...\n", output.text());
 }
 
 TEST_F(support_test, WaitsForEnterInTheRawMode) {

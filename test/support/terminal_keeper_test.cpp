@@ -115,9 +115,3 @@ TEST(TerminalKeeper, LeavesTheTerminalToTheShellOfTheSession) {
     });
     EXPECT_EQ("left", session.result());
 }
-
-TEST(TerminalKeeper, DoesNothingWithoutATerminal) {
-    const typed_input pipe("x");
-    { const terminal_keeper keeper; }
-    EXPECT_EQ('x', getchar());
-}

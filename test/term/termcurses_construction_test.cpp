@@ -105,17 +105,6 @@ TEST(TermcursesConstruction, NeedsArrowKeysOfAnsiForm) {
               constructionFailure("other-keys"));
 }
 
-TEST(TermcursesConstruction, LeavesItToTerminfoToEndAtAnUnknownTerminal) {
-    terminal_session session([] {
-        useTerminal("no-such-terminal");
-        const termcurses terminal;
-        return std::string("constructed");
-    });
-    EXPECT_EQ("", session.result());
-    EXPECT_EQ(1, WEXITSTATUS(session.awaitEnd()));
-    EXPECT_TRUE(session.screen().contains("unknown terminal type")) << session.output();
-}
-
 // A failure to give the terminal back must not be hidden.
 TEST(TermcursesDestruction, EndsTheProcessOnFailure) {
     terminal_session session([] {
