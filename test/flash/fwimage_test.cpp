@@ -44,9 +44,3 @@ TEST_F(fwimage_test, TakesADirectoryForAnImage) {
     givenImage("tool");
     EXPECT_EQ("../tool", open_fwimage().imagePath);
 }
-
-TEST_F(fwimage_test, NeedsTheReleaseInformationFirst) {
-    package.remove("fw.bin");
-    package.remove("releasefile-information.txt");
-    EXPECT_EQ("Info file is missing", failure());
-}

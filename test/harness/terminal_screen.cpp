@@ -14,7 +14,10 @@ std::string trimmed(std::string text) {
 }  // namespace
 
 terminal_screen::terminal_screen(int rows, int columns)
-    : terminal(vterm_new(rows, columns), &vterm_free), screen(vterm_obtain_screen(terminal.get())) {
+    : terminal(vterm_new(rows, columns), &vterm_free),
+      screen(vterm_obtain_screen(terminal.get())),
+      rowCount(rows),
+      columnCount(columns) {
     static const VTermScreenCallbacks callbacks = [] {
         VTermScreenCallbacks made{};
         made.settermprop = onProperty;
@@ -39,23 +42,19 @@ void terminal_screen::write(std::string_view bytes) {
 
 void terminal_screen::resize(int rows, int columns) {
     vterm_set_size(terminal.get(), rows, columns);
+    rowCount = rows;
+    columnCount = columns;
 }
 
 std::string terminal_screen::row(int number) const {
-    int rowCount = 0;
-    int columns = 0;
-    vterm_get_size(terminal.get(), &rowCount, &columns);
     std::string text;
-    for (int column = 0; column < columns; ++column) {
+    for (int column = 0; column < columnCount; ++column) {
         text += cell(number, column).text;
     }
     return trimmed(text);
 }
 
 std::vector<std::string> terminal_screen::rows() const {
-    int rowCount = 0;
-    int columns = 0;
-    vterm_get_size(terminal.get(), &rowCount, &columns);
     std::vector<std::string> all;
     for (int number = 0; number < rowCount; ++number) {
         all.push_back(row(number));
@@ -75,12 +74,9 @@ std::string terminal_screen::text() const {
 }
 
 std::string terminal_screen::picture() const {
-    int rowCount = 0;
-    int columns = 0;
-    vterm_get_size(terminal.get(), &rowCount, &columns);
     std::string all = text() + (cursorVisible ? "cursor\n" : "no cursor\n");
     for (int number = 0; number < rowCount; ++number) {
-        for (int column = 0; column < columns; ++column) {
+        for (int column = 0; column < columnCount; ++column) {
             const screen_cell_t seen = cell(number, column);
             all += seen.reverse ? 'r' : seen.bold ? 'b' : '.';
             all += std::to_string(seen.foreground) + "," + std::to_string(seen.background) + " ";

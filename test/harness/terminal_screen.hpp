@@ -46,5 +46,7 @@ private:
 
     std::unique_ptr<VTerm, decltype(&vterm_free)> terminal;
     VTermScreen* screen;
+    int rowCount;
+    int columnCount;
     bool cursorVisible = true;
 };
