@@ -49,6 +49,10 @@ std::vector<char*> nullTerminated(std::vector<std::string>& texts) {
     return list;
 }
 
+std::ostream& operator<<(std::ostream& stream, const outcome_t& outcome) {
+    return stream << outcome.status << "\n" << outcome.output << outcome.errors;
+}
+
 outcome_t outcomeOf(const program_t& program) {
     const collector output;
     const collector errors;

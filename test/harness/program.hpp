@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,12 @@ struct outcome_t {
     int status = 0;      ///< exit status, or 128 and the signal's number as a shell counts
     std::string output;  ///< what it wrote to standard output
     std::string errors;  ///< what it wrote to standard error
+
+    bool operator==(const outcome_t&) const = default;
 };
+
+/// For the messages of tests.
+std::ostream& operator<<(std::ostream& stream, const outcome_t& outcome);
 
 /// @return the texts as execve(2) takes them
 std::vector<char*> nullTerminated(std::vector<std::string>& texts);

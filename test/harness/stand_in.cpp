@@ -5,7 +5,6 @@
 //   print TEXT     prints the text and a line feed, as printf(1) would its format
 //   look           answers like which(1); it does not matter whether the answer can be written
 //   look strictly  the same, but fails when it cannot be written, as a shell script does
-//   line           reads a line from standard input
 //   await FILE     waits until somebody writes to this fifo of the package folder
 //   show           prints the file named by the first argument; exit status 1 when it cannot
 //   mode deaf      leaves the terminal with echo, and without line ends from ENTER
@@ -152,9 +151,6 @@ int step(const std::string& line, const fs::path& self, char** arguments) {
         std::cout << unescaped(rest) << std::endl;
     } else if (word == "look") {
         return look(self.parent_path(), arguments[1], rest == "strictly") ? 0 : 1;
-    } else if (word == "line") {
-        std::string ignored;
-        std::getline(std::cin, ignored);
     } else if (word == "await") {
         std::string ignored;
         std::ifstream fifo(self.parent_path().parent_path() / rest);

@@ -208,10 +208,7 @@ protected:
     /// @param output what is said about it
     void expectRefused(const std::string& bytes, const std::string& output) const {
         writeArchive(bytes);
-        const outcome_t outcome = verify();
-        EXPECT_EQ(1, outcome.status) << output;
-        EXPECT_EQ(output, outcome.output);
-        EXPECT_EQ("", outcome.errors) << output;
+        EXPECT_EQ((outcome_t{1, output, ""}), verify());
         expectNothingLeft();
     }
 };

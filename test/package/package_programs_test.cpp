@@ -145,10 +145,7 @@ protected:
     package_programs_test() { script.shell = GetParam(); }
 
     void expectSaid(const std::string& output) const {
-        const outcome_t outcome = check();
-        EXPECT_EQ(0, outcome.status);
-        EXPECT_EQ(output, outcome.output);
-        EXPECT_EQ("", outcome.errors);
+        EXPECT_EQ((outcome_t{0, output, ""}), check());
     }
 
     /// The tool gets a note, as the linker writes it, among other bytes.

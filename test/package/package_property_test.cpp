@@ -5,7 +5,7 @@
 
 #include "flash/flashtools.hpp"
 #include "harness/test_surroundings.hpp"
-#include "package/package_test.hpp"
+#include "package/package_findings.hpp"
 
 namespace fs = std::filesystem;
 
@@ -62,7 +62,6 @@ private:
     }
 
     fs::path tool() const { return package.tool() / "varnmenu"; }
-    fs::path core() const { return package.tool() / "varnflash"; }
 
     std::string releaseText() {
         texts_t keys{"VARN_RELEASE=", "SDR_RELEASE=", "SYSTEM=", "IMAGE_NAME="};
@@ -119,46 +118,24 @@ private:
     }
 
     void spoilFiles() {
+        const std::vector<defect_t> defects{without("tool/varnflash"),
+                                            asFolder("tool/varnflash"),
+                                            withMode("tool/varnflash", 0644),
+                                            with("tool/varnflash", pick(texts_t{"", "#", "exit 0\n",
+                                                                                "\x7f"
+                                                                                "EL"})),
+                                            withMode("tool/varnmenu", 0600),
+                                            without("readme.txt"),
+                                            asFolder(image),
+                                            with(image, ""),
+                                            without(image)};
         isProper = false;
-        const auto mode = [](const fs::path& path, unsigned permissions) {
-            fs::permissions(path, fs::perms(permissions));
-        };
-        switch (random() % 9) {
-            case 0:
-                return fs::rename(core(), package.tool() / "kept");
-            case 1:
-                return mode(core(), 0644);
-            case 2:
-                fs::rename(core(), package.tool() / "kept");
-                fs::create_directory(core());
-                return;
-            case 3:
-                fs::rename(core(), package.tool() / "kept");
-                package.write("tool/varnflash", pick(texts_t{"", "#", "exit 0\n",
-                                                             "\x7f"
-                                                             "EL"}));
-                return mode(core(), 0755);
-            case 4:
-                return mode(tool(), 0600);
-            case 5:
-                return package.remove("readme.txt");
-            case 6:
-                package.remove(image);
-                fs::create_directory(package.root() / image);
-                return;
-            case 7:
-                return package.write(image, "");
-            default:
-                return package.remove(image);
-        }
+        pick(defects)(package);
     }
 
     void repair() {
-        if (fs::exists(package.tool() / "kept")) {
-            fs::remove_all(core());
-            fs::rename(package.tool() / "kept", core());
-        }
-        fs::permissions(core(), fs::perms(0755));
+        package.remove("tool/varnflash");
+        fs::copy_file(package.programs() / "cat", package.tool() / "varnflash");
         fs::permissions(tool(), fs::perms(0755));
         package.write("readme.txt", "text\n");
         package.remove(image);

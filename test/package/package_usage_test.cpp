@@ -7,12 +7,9 @@ namespace {
 class package_usage_test : public package_test {
 protected:
     void expectUsageError(const std::vector<std::string>& words, const std::string& message) {
-        const outcome_t outcome = run(words);
-        EXPECT_EQ(2, outcome.status) << message;
-        EXPECT_EQ("", outcome.output);
-        EXPECT_EQ(
-            "varnmenu-package: " + message + "\nvarnmenu-package: see varnmenu-package --help\n",
-            outcome.errors);
+        const std::string errors =
+            "varnmenu-package: " + message + "\nvarnmenu-package: see varnmenu-package --help\n";
+        EXPECT_EQ((outcome_t{2, "", errors}), run(words));
     }
 
     void expectHelp(const std::vector<std::string>& words) {
@@ -34,9 +31,7 @@ TEST_F(package_usage_test, SaysHowItIsUsed) {
 }
 
 TEST_F(package_usage_test, HasTheVersionOfTheTool) {
-    const outcome_t outcome = run({"--version"});
-    EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ("varnmenu-package " PROJECT_VERSION "\n", outcome.output);
+    EXPECT_EQ((outcome_t{0, "varnmenu-package " PROJECT_VERSION "\n", ""}), run({"--version"}));
 }
 
 TEST_F(package_usage_test, NeedsACommandThatItKnows) {
@@ -74,11 +69,9 @@ TEST_F(package_usage_test, VerifiesOneArchive) {
 
 TEST_F(package_usage_test, NeedsWhatItLooksIntoProgramsWith) {
     removeProgram("od");
-    const outcome_t outcome = check();
-    EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("", outcome.output);
-    EXPECT_EQ("varnmenu-package: check: this system has no od; install coreutils\n",
-              outcome.errors);
+    EXPECT_EQ(
+        (outcome_t{1, "", "varnmenu-package: check: this system has no od; install coreutils\n"}),
+        check());
 }
 
 TEST_F(package_usage_test, EndsOptionsWithTwoDashes) {

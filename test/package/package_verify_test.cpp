@@ -11,10 +11,7 @@ protected:
     package_verify_test() { expectMade(create({"--output=out/varn"})); }
 
     void expectFinding(const std::string& line) const {
-        const outcome_t outcome = verify();
-        EXPECT_EQ(1, outcome.status);
-        EXPECT_EQ(line, outcome.output);
-        EXPECT_EQ("", outcome.errors);
+        EXPECT_EQ((outcome_t{1, line, ""}), verify());
         expectNothingLeft();
     }
 };
@@ -27,18 +24,13 @@ constexpr const char* otherChecksum =
 TEST_F(package_verify_test, TakesWhatCreateMakes) {
     for (const auto& shell : shellsWithTar()) {
         script.shell = shell;
-        const outcome_t outcome = verify();
-        EXPECT_EQ(0, outcome.status);
-        EXPECT_EQ(unsignedLine, outcome.output);
-        EXPECT_EQ("", outcome.errors);
+        EXPECT_EQ((outcome_t{0, unsignedLine, ""}), verify());
         expectNothingLeft();
     }
 }
 
 TEST_F(package_verify_test, IsWhatCheckDoesWithAnArchive) {
-    const outcome_t good = run({"check", "out/varn.tar"});
-    EXPECT_EQ(0, good.status);
-    EXPECT_EQ(unsignedLine, good.output);
+    EXPECT_EQ((outcome_t{0, unsignedLine, ""}), run({"check", "out/varn.tar"}));
     std::ofstream(archive(), std::ios::app) << "more";
     EXPECT_EQ(otherChecksum, run({"check", "out/varn.tar"}).output);
 }
@@ -125,7 +117,6 @@ TEST_F(package_verify_test, SaysWhichProgramTheSystemLacks) {
     }
     script.environment["PATH"] = "/usr/bin:/bin";
     script.shell = {"/bin/busybox", "sh"};
-    const outcome_t outcome = verify();
-    EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("varnmenu-package: verify: needs GNU tar; install it\n", outcome.errors);
+    EXPECT_EQ((outcome_t{1, "", "varnmenu-package: verify: needs GNU tar; install it\n"}),
+              verify());
 }

@@ -54,9 +54,7 @@ bool hasWord(const std::string& text, const std::string& word) {
 
 TEST_F(setup_test, DoesNothingWhereAllIsThere) {
     environment["INSTALLED"] = "3.25.1";
-    const outcome_t outcome = setUp({});
-    EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ("", outcome.output + outcome.errors);
+    EXPECT_EQ((outcome_t{0, "", ""}), setUp({}));
 }
 
 TEST_F(setup_test, InstallsWhatThePurposeNeedsAlone) {
@@ -93,9 +91,7 @@ TEST_F(setup_test, SaysWhatThisSystemCannotInstall) {
 }
 
 TEST_F(setup_test, KnowsItsPurposes) {
-    const outcome_t outcome = setUp({"build", "nothing"});
-    EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("setup: no such purpose: nothing\n", outcome.output + outcome.errors);
+    EXPECT_EQ((outcome_t{1, "", "setup: no such purpose: nothing\n"}), setUp({"build", "nothing"}));
 }
 
 TEST(TestScript, SaysThatItNeedsRoot) {
@@ -106,8 +102,6 @@ TEST(TestScript, SaysThatItNeedsRoot) {
     program.environment = {{"PATH", "/usr/bin:/bin"}};
     program.directory = "/";
     program.user = 65534;
-    const outcome_t outcome = outcomeOf(program);
-    EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("test: missing: root, as the menu is for administrators\n",
-              outcome.output + outcome.errors);
+    EXPECT_EQ((outcome_t{1, "", "test: missing: root, as the menu is for administrators\n"}),
+              outcomeOf(program));
 }
