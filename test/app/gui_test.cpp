@@ -1,10 +1,7 @@
 #include "app/gui.hpp"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
-
-#include <cstdio>
 
 #include "harness/terminal_session.hpp"
 #include "harness/test_surroundings.hpp"
@@ -140,24 +137,6 @@ TEST_F(gui_test, SaysThatThereWasNoInput) {
     EXPECT_EQ("Cannot extract user input", with([](open_gui& application) {
                   const typed_input nothing("");
                   return thrown<std::runtime_error>([&] { application.showMenuOnce(); });
-              }));
-}
-
-// Or there would be no way out of it.
-TEST_F(gui_test, TakesInputThoughTheMenuCannotBeShown) {
-    EXPECT_EQ("chosen 9", with([](open_gui& application) {
-                  std::string chosen;
-                  application.menus.at(0).callback = [&](menu_item_t item) {
-                      chosen = "chosen " + std::to_string(item);
-                  };
-                  application.queueInput("7");
-                  application.queueInput("\n");
-                  const int terminal = dup(STDOUT_FILENO);
-                  const int full = open("/dev/full", O_WRONLY);
-                  dup2(full, STDOUT_FILENO);
-                  application.showMenuOnce();
-                  dup2(terminal, STDOUT_FILENO);
-                  return chosen;
               }));
 }
 

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <functional>
 #include <string>
 
 #include "harness/test_surroundings.hpp"
@@ -31,6 +32,18 @@ inline std::string readKeys(int reads) {
         all += readOnce(input) + ";";
     }
     return all;
+}
+
+/// For pieces that have to follow each other within 50 ms, which a busy machine may miss, but not
+/// every time.
+/// @return what a try yields, the expected result if any does
+inline std::string inAnyOfManyTries(const std::string& expected,
+                                    const std::function<std::string()>& attempt) {
+    std::string result;
+    for (int tries = 0; tries < 20 && result != expected; ++tries) {
+        result = attempt();
+    }
+    return result;
 }
 
 /// What one read yields with this as standard input.
