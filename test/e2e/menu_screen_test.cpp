@@ -19,19 +19,6 @@ const rows_t mainMenu{"       This tool will update Varn FW --> Rel. 2.41",
                       "Varn-FW: 2.41  SDRR: 3.07  for RX 2540",
                       "(c) 2026 Varn Firmware Tools"};
 
-const rows_t legalMenu{"       This tool will update Varn FW --> Rel. 2.41",
-                       "#LEGAL DOCUMENTS",
-                       "[1] EULA",
-                       "[2] TPL Flashtools",
-                       "[3] TPL MORV Library",
-                       "[4] TPL Firmware",
-                       "[5] Centos Copyrights",
-                       "",
-                       "[6] Exit",
-                       ">",
-                       "Varn-FW: 2.41  SDRR: 3.07  for RX 2540",
-                       "(c) 2026 Varn Firmware Tools"};
-
 rows_t withPrompt(rows_t rows, const std::string& prompt) {
     rows[rows.size() - 3] = prompt;
     return rows;
@@ -85,16 +72,6 @@ TEST_F(menu_screen_test, ShowsTheMainMenusColours) {
     expectStyle(11, 1, -1, -1, true);
     expectStyle(12, 37, 1, -1, false);
     expectStyle(13, 27, 4, -1, false);
-}
-
-TEST_F(menu_screen_test, ShowsTheLegalMenu) {
-    startMenu();
-    choose(6);
-    session->awaitScreen("#LEGAL");
-    awaitMenu();
-    EXPECT_EQ(legalMenu, session->screen().rows());
-    expectStyle(1, 15, 7, 4, true);
-    EXPECT_FALSE(session->screen().isCursorVisible());
 }
 
 TEST_F(menu_screen_test, ShowsNoEmergencyFlashWhenTheCoreProgramSaysSo) {
