@@ -8,6 +8,11 @@ namespace {
 /// The program as a shell's job that is stopped and taken up again.
 class stop_test : public tool_test, public testing::WithParamInterface<int> {
 protected:
+    void startMenuFromShell() {
+        startFromShell();
+        awaitMenu();
+    }
+
     void stop() {
         session->signal(GetParam());
         session->awaitScreen("Stopped");

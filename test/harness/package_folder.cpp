@@ -101,7 +101,7 @@ package_folder::package_folder() : folder(makeTemporaryFolder()) {
     }
     addStandIn(tool() / "varnflash");
     for (const char* program : {"which", "clear", "less", "more", "cat"}) {
-        addProgram(program);
+        addStandIn(programs() / program);
     }
     let("which", "look");
     let("clear", "print \\033[H\\033[2J");
@@ -124,8 +124,6 @@ fs::path package_folder::copyForEveryone(const fs::path& program) const {
     copyProgram(program, copy);
     return copy;
 }
-
-void package_folder::addProgram(const std::string& name) const { addStandIn(programs() / name); }
 
 void package_folder::let(const std::string& program, const std::string& steps) const {
     const fs::path home = program == "varnflash" ? tool() : programs();

@@ -43,9 +43,6 @@ public:
     /// @return the path of the copy, which every user can run
     std::filesystem::path copyForEveryone(const std::filesystem::path& program) const;
 
-    /// Adds a stand-in to the PATH, one of "which", "clear", "less", "more", "cat" or any other.
-    void addProgram(const std::string& name) const;
-
     /// @param program a stand-in's name, or "varnflash"
     /// @param steps what it does, a line each, see stand_in.cpp
     void let(const std::string& program, const std::string& steps) const;

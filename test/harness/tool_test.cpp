@@ -54,11 +54,6 @@ void tool_test::startWith(const std::string& redirections) {
     start();
 }
 
-void tool_test::startMenuFromShell() {
-    startFromShell();
-    awaitMenu();
-}
-
 void tool_test::startFromShell(const std::string& arguments) {
     const std::string commandLine = program.path + " " + arguments + "\n";
     program.path = "/bin/bash";

@@ -36,9 +36,6 @@ protected:
     /// Starts it from a shell with job control.
     void startFromShell(const std::string& arguments = "");
 
-    /// The same, and returns when the main menu is shown.
-    void startMenuFromShell();
-
     /// Highlights the line with this shown number.
     void moveTo(const std::string& number);
 
