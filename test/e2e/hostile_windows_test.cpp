@@ -118,7 +118,7 @@ TEST_F(unemulated_window_test, OfUnknownSizeIsDrawnOverInPlace) {
 }
 
 // Where a control character in a release value leads a terminal, only the terminal knows.
-TEST_F(windows_test, WithAControlCharacterIsClearedForEveryDrawing) {
+TEST_F(windows_test, WithAControlCharacterAreClearedForEveryDrawing) {
     for (const std::string& value : {std::string("2\0\0", 3), std::string("2\x1b[3B")}) {
         package.write("releasefile-information.txt", "VARN_RELEASE=" + value +
                                                          "1\nSDR_RELEASE=" + value +
@@ -133,7 +133,7 @@ TEST_F(windows_test, WithAControlCharacterIsClearedForEveryDrawing) {
 }
 
 // A window that is dragged to its size sends dozens of signals.
-TEST_F(windows_test, ThatChangesManyTimesInARowDoesNotWearTheWaitOut) {
+TEST_F(windows_test, ChangingManyTimesDoNotWearTheWaitOut) {
     startMenu();
     for (int columns = 81; columns < 120; ++columns) {
         awaitDrawing([&] { session->resize(24, columns); });
