@@ -141,8 +141,8 @@ TEST_F(gui_test, SaysThatThereWasNoInput) {
 }
 
 TEST_F(gui_test, ScriptsTheKeysToATarget) {
-    EXPECT_EQ("UE DE DE UUE DDDE DE DE  ", with([](open_gui& application) {
-                  return script(application, application.menus.at(0), {0, 2, 3, 1, 4, 6, 7, 99});
+    EXPECT_EQ("UE DE DE UUE DDDE DE DE  UE ", with([](open_gui& application) {
+                  return script(application, application.menus.at(0), {0, 2, 3, 1, 4, 6, 7, 99, 6});
               }));
     EXPECT_EQ("UE DE UE DDE DE DE  DE ", with([](open_gui& application) {
                   return script(application, application.menus.at(1), {0, 3, 2, 4, 5, 7, 6, 9});

@@ -18,7 +18,7 @@ bool isUnfinishedAfter(std::string_view bytes) {
 
 TEST(EscapeSequence, IsUnfinishedUntilItsLastByte) {
     for (const std::string_view bytes : {"\x1b", "\x1b[", "\x1bO", "\x1b[1;5", "\x1b[\x7f",
-                                         "x\x1b[", "\x1b[A\x1b", "\x1b[1\x1b"}) {
+                                         "x\x1b[", "\x1b[A\x1b", "\x1b[1\x1b", "\x1b[1\x1b["}) {
         EXPECT_TRUE(isUnfinishedAfter(bytes)) << bytes;
     }
 }
