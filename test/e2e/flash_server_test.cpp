@@ -123,14 +123,14 @@ TEST_F(flash_server_test, TellsAtOnceThatNothingWasSaid) {
 
 // What ends it is sent by what it has started, so always at the same moment.
 TEST_F(flash_server_test, TellsWhetherTheFlashHadBegunWhenItIsEnded) {
-    EXPECT_EQ((outcome_t{3, "server: not started: the session was ended before the flash\n"}),
-              run(std::string(flashServer) + " sh -c 'kill -TERM $PPID; exec sleep 100'"));
+    EXPECT_EQ("3 server: not started: the session was ended before the flash\n",
+              run("sh -c 'kill -TERM $PPID; exec sleep 100'"));
 
     assemble();
     letCoreProgram(
         "echo Erasing; kill -INT $(cat script.pid); sleep 1; echo Done.; echo whole >flashed");
-    EXPECT_EQ((outcome_t{4, "server: unclear: the session was ended during the flash: Erasing\n"}),
-              run(std::string(flashServer) + " sh -c 'cd " + (folder() / "tool").string() +
+    EXPECT_EQ("4 server: unclear: the session was ended during the flash: Erasing\n",
+              run("sh -c 'cd " + (folder() / "tool").string() +
                   " && echo $PPID >script.pid && exec ./varnmenu'"));
     for (int rests = 0; rests < 300 && contentOf(folder() / "tool/flashed").empty(); ++rests) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
