@@ -129,6 +129,9 @@ TEST_F(windows_test, WithAControlCharacterAreClearedForEveryDrawing) {
         EXPECT_TRUE(lastOutput().starts_with(clearSequence)) << lastOutput();
         const std::string seen = session->screen().picture();
         EXPECT_EQ(freshPicture(24, 80), seen);
+        awaitDrawing([this] { session->terminal().resize(0, 0); });
+        press("7", "> ");
+        EXPECT_TRUE(lastOutput().starts_with(clearSequence)) << lastOutput();
     }
 }
 
