@@ -1,11 +1,13 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/time.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <array>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <string_view>
 
@@ -69,6 +71,23 @@ public:
     terminal_session session;
 };
 
+constexpr suseconds_t signalGap = 2000;  // microseconds
+
+/// Sends so many signals to the process itself, and then says so on the terminal.
+void sendSignals() {
+    static volatile std::sig_atomic_t left = 30;
+    std::signal(SIGALRM, [](int) {
+        left = left - 1;
+        if (left == 0) {
+            const itimerval off{};
+            setitimer(ITIMER_REAL, &off, nullptr);
+            static_cast<void>(write(STDOUT_FILENO, "no more", 7) < 0);
+        }
+    });
+    const itimerval gap{{0, signalGap}, {0, signalGap}};
+    setitimer(ITIMER_REAL, &gap, nullptr);
+}
+
 }  // namespace
 
 TEST(TypeAhead, IsThrownAway) {
@@ -129,6 +148,24 @@ TEST(TypeAhead, WithAnEnterIsFollowedByQuiet) {
             EXPECT_GE(user.duration, std::chrono::milliseconds(50));
         }
     }
+}
+
+// A window that is dragged to its size sends dozens of them.
+TEST(TypeAhead, WithAnEnterIsFollowedByQuietHoweverManySignalsComeIn) {
+    terminal_session session([] {
+        setRawMode();
+        open_stream input;
+        while (getchar() != 'g') {
+            clearerr(stdin);
+        }
+        sendSignals();
+        return readOnce(input);
+    });
+    session.await([&] { return !session.terminal().isCooked(); }, "the raw mode");
+    session.type("g\n");
+    session.awaitScreen("no more");
+    session.press("x");
+    EXPECT_EQ("1:x", session.result());
 }
 
 // A key that is held during a long operation fills nothing.
