@@ -94,12 +94,15 @@ def run_session(server, run, command):
     ended = []
     on_signals(lambda number, _: ended.append(number))
     # A session of its own: a key typed for ansible-playbook reaches nobody but this process.
+    input_of_session, end_of_input = os.pipe()
     process = subprocess.Popen(
-        command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+        command, stdin=input_of_session, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
         text=True, encoding="utf-8", errors="replace", start_new_session=True)
+    os.close(input_of_session)
     while True:
-        if ended or not os.path.exists(f"/proc/{run}"):
-            process.terminate()
+        if end_of_input and (ended or not os.path.exists(f"/proc/{run}")):
+            os.close(end_of_input)
+            end_of_input = None
         try:
             printed = process.communicate(timeout=0.2)[0]
             break
