@@ -20,6 +20,7 @@ leave_to_hardware(support_tests
     TypeAhead.TakesTheRestOfItsLastSequenceAlong
     TypeAhead.WithAnEnterTakesAlongWhatFollows
     TypeAhead.WithAnEnterIsFollowedByQuiet
+    TypeAhead.WithAnEnterIsFollowedByQuietHoweverManySignalsComeIn
     TypeAhead.WithoutAnEnterIsNotWaitedFor
     ReadInput.YieldsHalfASequenceThatEndsWithTheInput
     support_test.WaitsForEnterInTheRawMode)
