@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "flash/operation_lock.hpp"
 #include "flash/signal_hold.hpp"
 
 namespace {
@@ -60,14 +61,17 @@ void flashtools::runOperation(int menuItem) {
     if (entry == operationTable.end()) {
         throw std::runtime_error("Flashtools operation not defined");
     }
-    trace(trace_plain, entry->second.message, newLines(2));
+    const auto& [message, commandLine] = entry->second;
     if (evalMode != 0) {
+        trace(trace_plain, message, newLines(2));
         delay(seconds, evaluationPauseSeconds);
         return;
     }
     {
+        const operation_lock untilNothingIsAtWork;
         const signal_hold untilTheCoreProgramHasEnded;
-        runCommand(entry->second.commandLine, true);
+        trace(trace_plain, message, newLines(2));
+        runCommand(commandLine, true);
     }
     waitForEnter("");
 }

@@ -26,8 +26,8 @@ public:
     /// Says what is about to happen, runs the core program's operation on the terminal and waits
     /// for ENTER; in evaluation mode it pauses two seconds instead. The core program's exit status
     /// is not judged: its own output tells the user.
-    /// @throws std::runtime_error when the menu item has no operation, or the core program cannot
-    /// be run
+    /// @throws std::runtime_error when the menu item has no operation, the core program cannot be
+    /// run, or another operation is at work on this machine
     void runOperation(int menuItem);
 
     /// @return true when the core program says that no emergency flash is to be offered

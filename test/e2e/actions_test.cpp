@@ -42,9 +42,10 @@ TEST_P(flash_entry_test, RunsTheCoreProgramOnTheTerminal) {
                                                "PWD=" + package.tool().string(),
                                                "LANG=en_US.UTF-8"};
     EXPECT_EQ(environment, run.environment);
-    EXPECT_EQ(3U, run.descriptors.size());
+    EXPECT_EQ(4U, run.descriptors.size());
     EXPECT_EQ(run.descriptors.at(0), run.descriptors.at(1));
     EXPECT_TRUE(run.descriptors.at(1).starts_with("rw /dev/pts/"));
+    EXPECT_EQ("rw /run/varnmenu.lock", run.descriptors.rbegin()->second);
     EXPECT_EQ((std::set<int>{SIGHUP, SIGINT, SIGQUIT}), run.ignoredSignals);
 
     session->press("\r");

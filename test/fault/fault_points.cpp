@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/epoll.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -102,6 +103,16 @@ int __wrap_access(const char* path, int mode) {
     // terminfo looks for its own files, too
     const bool isOurs = mode == F_OK;
     return isOurs && errorOf("access") != 0 ? -1 : __real_access(path, mode);
+}
+
+int __real_flock(int file, int operation);
+int __wrap_flock(int file, int operation) {
+    return errorOf("flock") != 0 ? -1 : __real_flock(file, operation);
+}
+
+int __real_open(const char* path, int flags, ...);
+int __wrap_open(const char* path, int flags, mode_t mode) {
+    return errorOf("open") != 0 ? -1 : __real_open(path, flags, mode);
 }
 
 std::FILE* __real_fopen(const char* path, const char* mode);

@@ -84,7 +84,9 @@ INSTANTIATE_TEST_SUITE_P(
         fault_row_t{"DocumentTest", "access:4:4:EACCES",
                     "[WARN] Text file is not present ../readme.txt"},
         fault_row_t{"ReleaseFileOpened", "fopen:1:1:EACCES", notProper},
-        fault_row_t{"ReleaseFileRead", "read file:1:1:EIO", notProper}),
+        fault_row_t{"ReleaseFileRead", "read file:1:1:EIO", notProper},
+        fault_row_t{"NoPlaceForTheLock", "open:1:1:ENOENT", normalEnd},
+        fault_row_t{"NoLock", "flock:1:1:EIO", normalEnd}),
     [](const auto& row) { return row.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
@@ -169,8 +171,8 @@ INSTANTIATE_TEST_SUITE_P(Calls, fault_sweep_test,
                                          "setupterm", "tigetstr", "tparm", "getcwd", "getenv TERM",
                                          "access", "fopen", "read file",
                                          "posix_spawn_file_actions_init", "posix_spawnp", "waitpid",
-                                         "epoll_create1", "epoll_ctl", "epoll_pwait", "tcdrain",
-                                         "write", "read terminal"),
+                                         "open", "flock", "epoll_create1", "epoll_ctl",
+                                         "epoll_pwait", "tcdrain", "write", "read terminal"),
                          [](const auto& sweep) {
                              std::string name = sweep.param.call;
                              std::replace(name.begin(), name.end(), ' ', '_');

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <csignal>
 
+#include "flash/operation_lock.hpp"
 #include "harness/test_surroundings.hpp"
 
 namespace {
@@ -68,11 +69,11 @@ TEST_F(flashtools_test, RunsEveryOperationWithItsMessageAndArguments) {
 TEST_F(flashtools_test, ShowsTheOutputAndDoesNotJudgeTheExitStatus) {
     package.let("varnflash", "print written\nexit 1");
     flashtools tools(false, menuPairs);
-    const typed_input keys("ignored\nleft");
+    const typed_input keys("ignored\n\nleft");
     captured_output output;
     tools.runOperation(9);
     EXPECT_EQ("\n\nVarn reboot pending, wait for boot to complete\nwritten\n", output.text());
-    EXPECT_EQ('l', getchar());
+    EXPECT_EQ('\n', getchar());
 }
 
 TEST_F(flashtools_test, RefusesMenuItemsWithoutOperation) {
@@ -95,8 +96,21 @@ TEST_F(flashtools_test, PassesOnTheRunnersFailure) {
     EXPECT_EQ("Command cannot be executed properly", failure(tools, 1));
 }
 
+TEST_F(flashtools_test, RefusesWhileAnotherOperationIsAtWork) {
+    flashtools tools(false, menuPairs);
+    const operation_lock another;
+    captured_output output;
+    EXPECT_EQ("Another flash or reboot is at work on this server", failure(tools, 1));
+    EXPECT_EQ("", output.text());
+    EXPECT_EQ(0U, package.runs().size());
+    EXPECT_FALSE(tools.checkIspfr());  // a question only
+    EXPECT_EQ(1U, package.runs().size());
+}
+
+// Another operation may be at work: none is started here.
 TEST_F(flashtools_test, PausesInsteadOfFlashingInEvaluationMode) {
     flashtools tools(true, menuPairs);
+    const operation_lock another;
     const typed_input keys("left");
     captured_output output;
     const auto start = std::chrono::steady_clock::now();

@@ -9,6 +9,7 @@
 //   show           prints the file named by the first argument; exit status 1 when it cannot
 //   mode deaf      leaves the terminal with echo, and without line ends from ENTER
 //   mode cooked    leaves the terminal with line editing and signal keys
+//   daemon FILE    leaves a child behind that does the same
 //   steal          leaves the terminal to a process group of a child that stays behind
 //   close          closes its standard streams
 //   swallow        reads standard input up to its end
@@ -147,14 +148,22 @@ void flood(int millions) {
 int step(const std::string& line, const fs::path& self, char** arguments) {
     const std::string word = line.substr(0, line.find(' '));
     const std::string rest = line.size() > word.size() ? line.substr(word.size() + 1) : "";
+    const auto awaitWriter = [&] {
+        std::string ignored;
+        std::ifstream fifo(self.parent_path().parent_path() / rest);
+        std::getline(fifo, ignored);
+    };
     if (word == "print") {
         std::cout << unescaped(rest) << std::endl;
     } else if (word == "look") {
         return look(self.parent_path(), arguments[1], rest == "strictly") ? 0 : 1;
     } else if (word == "await") {
-        std::string ignored;
-        std::ifstream fifo(self.parent_path().parent_path() / rest);
-        std::getline(fifo, ignored);
+        awaitWriter();
+    } else if (word == "daemon") {
+        if (fork() == 0) {
+            awaitWriter();
+            _exit(0);
+        }
     } else if (word == "show") {
         return show(arguments[1]) ? 0 : 1;
     } else if (word == "mode") {
