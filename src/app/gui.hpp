@@ -56,6 +56,7 @@ private:
     void drawLine(const menu_elem_t& menu, menu_item_t item, const menu_line_t& line);
     menu_item_t selectFrom(menu_elem_t& menu);
     menu_item_t readSelection(menu_elem_t& menu);
+    bool isConfirmed(menu_item_t item);
     void selectByKey(menu_elem_t& menu);
     void selectByNumber(menu_elem_t& menu);
     bool isExitSelected() const;

@@ -12,6 +12,7 @@ namespace {
 
 constexpr int warningPauseSeconds = 1;
 constexpr const char* warningPrompt = "Press ENTER to continue...";
+constexpr const char* redrawKey = "\f";  // Ctrl-L
 
 /// What is done before a line's text, in this order.
 void decorate(gui& terminal, const menu_line_t& line) {
@@ -175,16 +176,34 @@ menu_item_t gui::readSelection(menu_elem_t& menu) {
         }
         if (isEscapeSequence()) {
             selectByKey(menu);
+            redrawLines(menu);
         } else if (isNumber()) {
             selectByNumber(menu);
-        } else if (isEnter()) {
-            return menu.selected;
-        } else {
+            redrawLines(menu);
+        } else if (currentInput == redrawKey) {
+            takeScreen();
+            drawLines(menu);
+        } else if (!isEnter()) {
             throw std::runtime_error("Wrong input, please confirm selection by 'ENTER' only : " +
                                      currentInput);
+        } else if (isConfirmed(menu.selected)) {
+            return menu.selected;
         }
-        redrawLines(menu);
     }
+}
+
+/// An ENTER on an operation has to be one press: the key that ended the last flash may still be
+/// held down, and the rest of its own line end would end the wait after the operation before
+/// anybody has seen the result.
+bool gui::isConfirmed(menu_item_t item) {
+    if (evalMode || currentMenu != index_main || !isOperation(item)) {
+        return true;
+    }
+    if (isRepeatedEnter()) {
+        return false;
+    }
+    discardUntilQuiet();
+    return true;
 }
 
 void gui::selectByKey(menu_elem_t& menu) {

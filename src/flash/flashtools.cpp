@@ -73,7 +73,10 @@ void flashtools::runOperation(int menuItem) {
         trace(trace_plain, message, newLines(2));
         runCommand(commandLine, true);
     }
+    discardKnocking();
     waitForEnter("");
 }
+
+bool flashtools::isOperation(int menuItem) const { return operationMap.contains(menuItem); }
 
 bool flashtools::checkIspfr() { return runCommand(corePath + " /ispfr", true) == ispfrPresent; }

@@ -25,7 +25,8 @@ public:
 
     /// Says what is about to happen, runs the core program's operation on the terminal and waits
     /// for ENTER; in evaluation mode it pauses two seconds instead. The core program's exit status
-    /// is not judged: its own output tells the user.
+    /// is not judged: its own output tells the user. One ENTER typed during the operation ends the
+    /// wait; several are a held key and do not.
     /// @throws std::runtime_error when the menu item has no operation, the core program cannot be
     /// run, or another operation is at work on this machine
     void runOperation(int menuItem);
@@ -35,6 +36,9 @@ public:
     bool checkIspfr();
 
 protected:
+    /// @return true for a menu item that flashes or reboots
+    bool isOperation(int menuItem) const;
+
     int evalMode;
     std::unordered_map<std::int32_t, flash_op_t> operationMap;
 };

@@ -28,6 +28,9 @@ constexpr char carriageReturn = '\r';
 constexpr int gapMilliseconds = 50;
 constexpr int endOfFileRestMilliseconds = 100;
 
+/// Lines whose terminal driver does not make a line feed of it deliver the other one.
+bool isEnterByte(char byte) { return byte == lineFeed || byte == carriageReturn; }
+
 const std::string& tracePrefix(std::uint32_t level) {
     static const std::unordered_map<std::uint32_t, std::string> prefixes{
         {trace_debug, "[DEBUG] "},  {trace_info, "[INFO] "},   {trace_plain, ""},
@@ -80,6 +83,7 @@ int stream::readInput() {
     } else {
         currentInput = std::move(scriptedInputs.front());
         scriptedInputs.pop_front();
+        enters.forget();
     }
     if (!currentInput.empty() && currentInput.back() == endOfText) {
         throw menu_exception("user interruption");
@@ -93,7 +97,9 @@ void stream::readKey() {
         // First of all, as the terminal's mode may be one in which reading waits for a whole line.
         const bool isDrawnAnew = settleBeforeWait && settleBeforeWait();
         awaitDrawn();
-        discardTypedAhead(keyboard);
+        // A key is to act on the menu that the user sees. An ENTER from before comes from a pasted
+        // text, a line end of two bytes or a held key: more follows.
+        discardTyped(keyboard, [](int enterCount) { return enterCount > 0; });
         return isDrawnAnew;
     };
     if (keyboard.waitReadable(input_watch::noTimeLimit, settle)) {
@@ -102,21 +108,43 @@ void stream::readKey() {
     keyboard.leaveOpen();
 }
 
-/// A key is to act on the menu that the user sees: what was typed before is thrown away, a sequence
-/// that is half there with its other half. An ENTER among it comes from a pasted text, a line end
-/// of two bytes or a held key: more follows, and must not confirm the highlighted line.
-void stream::discardTypedAhead(const input_watch& keyboard) {
+void stream::discardUntilQuiet() {
+    discardTyped(input_watch(STDIN_FILENO), [](int) { return true; });
+}
+
+void stream::discardKnocking() {
+    if (isatty(STDIN_FILENO) == 0) {
+        return;
+    }
+    if (settleBeforeWait) {
+        settleBeforeWait();  // as before every look at a key: the mode may be another one by now
+    }
+    const input_watch keyboard(STDIN_FILENO);
+    if (discardTyped(keyboard, [](int enterCount) { return enterCount > 1; }) == 1) {
+        std::ungetc(lineFeed, stdin);
+    }
+}
+
+/// Throws away what has been typed, a sequence that is half there with its other half.
+/// @param callsForQuiet whether so many ENTERs mean that more follows, which is thrown away, too
+/// @return how many ENTERs it was
+int stream::discardTyped(const input_watch& keyboard, bool (*callsForQuiet)(int enters)) {
+    int enterCount = 0;
     escape_sequence sequence;
-    bool hasEnter = false;
     const std::function<void(char)> discard = [&](char byte) {
         sequence.add(byte);
-        hasEnter = hasEnter || byte == lineFeed || byte == carriageReturn;
+        if (isEnterByte(byte)) {
+            enters.add();
+            ++enterCount;
+        }
     };
     // A signal is no end of quiet, however many come in.
     const std::function<bool()> ignoreSignals = [] { return true; };
-    while (takeWaitingBytes(discard) && (hasEnter || sequence.isUnfinished()) &&
-           keyboard.waitReadable(gapMilliseconds, ignoreSignals)) {
+    takeWaitingBytes(discard);
+    while ((callsForQuiet(enterCount) || sequence.isUnfinished()) &&
+           keyboard.waitReadable(gapMilliseconds, ignoreSignals) && takeWaitingBytes(discard)) {
     }
+    return enterCount;
 }
 
 void stream::takeKey(const input_watch& keyboard) {
@@ -125,6 +153,11 @@ void stream::takeKey(const input_watch& keyboard) {
         return endIfHungUp();
     }
     currentInput.push_back(static_cast<char>(first));
+    if (isEnterByte(currentInput.front())) {
+        enters.add();
+    } else {
+        enters.forget();
+    }
     if (first != escape) {
         return;
     }

@@ -5,6 +5,8 @@
 #include <functional>
 #include <string>
 
+#include "support/enter_times.hpp"
+
 class input_watch;
 
 /// The levels of stream::trace, single bits of its level mask.
@@ -54,7 +56,19 @@ public:
     /// @return true when no character is anything but 0 to 9, so for an empty input, too
     bool isNumber() const;
 
+    /// @return true when the last key was an ENTER that may be the repeat of a held key or of a
+    /// knocking one, as it came within a second of another ENTER
+    bool isRepeatedEnter() const { return enters.isRepeated(); }
+
 protected:
+    /// Throws away what is typed until the line has been quiet for 50 ms.
+    void discardUntilQuiet();
+
+    /// Of what has been typed, leaves a single ENTER to be read. Several come from a held or a
+    /// knocking key: they are thrown away, and so is what follows until the line has been quiet for
+    /// 50 ms. Does nothing where standard input is no terminal.
+    void discardKnocking();
+
     /// @return the next byte that waits on standard input, EOF where none does
     static int readByte();
 
@@ -70,9 +84,11 @@ protected:
     /// input_watch::waitReadable.
     std::function<bool()> settleBeforeWait;
 
+    enter_times enters;
+
 private:
     void readKey();
-    static void discardTypedAhead(const input_watch& keyboard);
+    int discardTyped(const input_watch& keyboard, bool (*callsForQuiet)(int enters));
     void takeKey(const input_watch& keyboard);
 
     /// @return false when no byte waits

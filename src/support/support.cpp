@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -48,11 +49,12 @@ std::string childEnvironment() {
 int exitStatus(pid_t child) {
     for (;;) {
         int status = -1;
-        if (waitpid(child, &status, 0) == -1 || WIFSIGNALED(status)) {
-            throw commandFailure();
-        }
-        if (WIFEXITED(status)) {
+        const bool isReported = waitpid(child, &status, 0) != -1;
+        if (isReported && WIFEXITED(status)) {
             return WEXITSTATUS(status);
+        }
+        if (isReported ? WIFSIGNALED(status) : errno != EINTR) {
+            throw commandFailure();
         }
     }
 }
@@ -112,6 +114,7 @@ void support::waitForEnter(const std::string& message) {
     const input_watch keyboard(STDIN_FILENO);
     while (awaitByte(keyboard) != '\n') {
     }
+    enters.add();
 }
 
 void support::delay(int unit, int amount) {

@@ -29,8 +29,8 @@ protected:
         return isNothingChosen;
     }
 
-    /// Types during the normal flash, and more once it has ended.
-    void typeDuringFlash(const pieces_t& during, const pieces_t& afterwards) {
+    /// Types during the normal flash, and lets it end.
+    void typeDuringFlash(const pieces_t& during) {
         package.hold("varnflash");
         choose(1);
         session->awaitScreen("at work");
@@ -39,7 +39,6 @@ protected:
         }
         package.letGo();
         session->await([&] { return package.runs().back().ended; }, "the end of the flash");
-        typeInPieces(afterwards);
     }
 
     /// Types the pieces, each while the program throws away what came before it.
@@ -72,16 +71,45 @@ protected:
 
 }  // namespace
 
-// Two seconds of a held key, and some more.
-TEST_F(earlier_enter_test, HeldDuringAFlashRunsItOnce) {
-    EXPECT_TRUE(
-        isEverNothingChosen([this] { typeDuringFlash(pieces_t(60, "\r"), pieces_t(10, "\r")); }));
+// One ends the wait after the flash, as a script types it.
+TEST_F(earlier_enter_test, OnceDuringAFlashEndsTheWaitAfterIt) {
+    startMenu();
+    typeDuringFlash({"\r"});
+    session->await([this] { return isMenuAlone(); }, "the menu");
+    EXPECT_EQ(1, flashes());
 }
 
-TEST_F(earlier_enter_test, PastedInPiecesDuringAFlashChoosesNothing) {
-    EXPECT_TRUE(isEverNothingChosen([this] {
-        typeDuringFlash({"Steps:\r4 images to do\r"}, {"1 look\r", "4 images", "\r", "\r", "3\r"});
-    }));
+// Several are no answer to what is not on the screen yet, but a held key or a user who knocks.
+TEST_F(earlier_enter_test, SeveralTimesDuringAFlashCountsForNone) {
+    for (const std::string& typed :
+         {std::string(3, '\r'), std::string(60, '\r'), std::string("Steps:\r4 images to do\r")}) {
+        package.remove("runs.log");
+        package.let("varnflash", "");
+        startMenu();
+        typeDuringFlash({typed});
+        session->awaitKeyWait();
+        EXPECT_TRUE(session->screen().contains("work done"));
+        session->press("\r");
+        session->await([this] { return isMenuAlone(); }, "the menu");
+        EXPECT_EQ(1, flashes());
+    }
+}
+
+// The rest of it comes while the program throws away what came before, and later.
+TEST_F(earlier_enter_test, HeldDuringAFlashAndAfterItRunsItOnce) {
+    startMenu();
+    typeDuringFlash(pieces_t(60, "\r"));
+    typeInPieces(pieces_t(10, "\r"));
+    session->awaitKeyWait();
+    EXPECT_EQ(1, flashes());
+}
+
+TEST_F(earlier_enter_test, PastedInPiecesDuringAFlashRunsItOnce) {
+    startMenu();
+    typeDuringFlash({"Steps:\r4 images to do\r"});
+    typeInPieces({"1 look\r", "4 images", "\r", "\r", "3\r"});
+    session->awaitKeyWait();
+    EXPECT_EQ(1, flashes());
 }
 
 TEST_F(earlier_enter_test, PastedInPiecesAtAWarningChoosesNothing) {

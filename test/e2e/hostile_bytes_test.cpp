@@ -51,9 +51,16 @@ protected:
         EXPECT_EQ("less ../readme.txt", package.commandLines().back());
     }
 
+    void expectRedrawing(int byte) {
+        awaitDrawing([&] { session->press(std::string(1, static_cast<char>(byte))); });
+        EXPECT_EQ(menu, session->screen().text());
+    }
+
     void expectOwnResult(int byte) {
         if (byte >= '1' && byte <= '8') {
             expectMove(byte);
+        } else if (byte == '\f') {
+            expectRedrawing(byte);
         } else if (byte == '\n' || byte == '\r') {
             expectConfirmation(byte);
         } else {

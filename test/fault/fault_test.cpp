@@ -96,6 +96,7 @@ INSTANTIATE_TEST_SUITE_P(
         fault_row_t{"ReaderSearch", "posix_spawnp:2:2:ENOENT", cannotRun},
         fault_row_t{"NoFileActions", "posix_spawn_file_actions_init:1:9:ENOMEM", normalEnd},
         fault_row_t{"QuestionNotAwaited", "waitpid:1:1:ECHILD", cannotRun},
+        fault_row_t{"QuestionAwaitedAgain", "waitpid:1:9:EINTR", normalEnd},
         fault_row_t{"QuestionOnlyStopped", "waitpid:1:1:stopped", "Emergency Flash of both Images"},
         fault_row_t{"OutOfRange", "waitpid:1:1:out-of-range", "[CRIT] Out of range error: map::at"},
         fault_row_t{"OutOfRangeInTheMenu", "waitpid:2:2:out-of-range",

@@ -32,22 +32,21 @@ protected:
                !session->screen().contains("Press ENTER");
     }
 
-    /// Goes through document, flash and Exit. ENTER confirms whatever asks for it on the way; and
-    /// where a key has changed nothing, the question may have got lost.
+    /// Goes through document, flash and Exit. ENTER confirms whatever asks for it on the way. Where
+    /// a key has changed nothing, it has got lost, or a question has: then number and ENTER take
+    /// turns.
     /// @return exit status as a shell counts
     int walk() {
         std::vector<std::string> choices{"8", "1", "5"};
         std::string before;
+        bool isEnterNext = false;
         for (int keys = 0; keys < mostKeys && session->awaitKeyWaitOrEnd(); ++keys) {
             const std::string now = session->screen().text();
             const bool isChosen = session->screen().contains("\n> " + choices.back() + "\n");
-            if (isMenuShown() && !isChosen && now != before) {
-                session->press(choices.back());
-            } else {
-                if (isMenuShown() && isChosen && choices.size() > 1) {
-                    choices.pop_back();
-                }
-                session->press("\r");
+            isEnterNext = now == before ? !isEnterNext : isChosen || !isMenuShown();
+            session->press(isEnterNext ? "\r" : choices.back());
+            if (isEnterNext && isChosen && isMenuShown() && choices.size() > 1) {
+                choices.pop_back();
             }
             before = now;
         }
