@@ -166,6 +166,9 @@ void stream::takeKey(const input_watch& keyboard) {
     const std::function<void(char)> append = [&](char byte) {
         sequence.add(byte);
         currentInput.push_back(byte);
+        if (isEnterByte(byte)) {
+            enters.add();  // it is lost within the sequence, but the key may still be held down
+        }
     };
     takeWaitingBytes(append);
     while (sequence.isUnfinished() && keyboard.waitReadable(gapMilliseconds) &&

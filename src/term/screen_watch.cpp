@@ -21,7 +21,6 @@ screen_watch::screen_watch() {
     sigaddset(&watched, SIGWINCH);
     sigaddset(&watched, SIGCONT);
     sigprocmask(SIG_BLOCK, &watched, &previous);
-    changed = 0;
     setAction([](int) { changed = 1; });
 }
 

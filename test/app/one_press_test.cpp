@@ -21,9 +21,9 @@ milliseconds* passed = nullptr;
 class one_press_test : public testing::Test {
 protected:
     one_press_test() {
-        passed = static_cast<milliseconds*>(mmap(nullptr, sizeof(milliseconds),
-                                                 PROT_READ | PROT_WRITE,
-                                                 MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+        passed =
+            static_cast<milliseconds*>(mmap(nullptr, sizeof(milliseconds), PROT_READ | PROT_WRITE,
+                                            MAP_SHARED | MAP_ANONYMOUS, -1, 0));
         package.let("varnflash", "print written");
         session = std::make_unique<terminal_session>([this] {
             const inside_package inside(package);
@@ -114,21 +114,19 @@ TEST_P(held_enter_test, AtAWarningStartsNoFlash) {
     EXPECT_EQ(1, flashesAtLast());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Keyboards, held_enter_test,
-    testing::ValuesIn([] {
-        std::vector<repeat_t> repeats;
-        for (const int delay : {250, 500, 660, 900}) {
-            for (const int period : {33, 40, 100, 500}) {
-                repeats.push_back({milliseconds(delay), milliseconds(period)});
-            }
-        }
-        return repeats;
-    }()),
-    [](const auto& keyboard) {
-        return "Delay" + std::to_string(keyboard.param.delay.count()) + "Period" +
-               std::to_string(keyboard.param.period.count());
-    });
+INSTANTIATE_TEST_SUITE_P(Keyboards, held_enter_test, testing::ValuesIn([] {
+                             std::vector<repeat_t> repeats;
+                             for (const int delay : {250, 500, 660, 900}) {
+                                 for (const int period : {33, 40, 100, 500}) {
+                                     repeats.push_back({milliseconds(delay), milliseconds(period)});
+                                 }
+                             }
+                             return repeats;
+                         }()),
+                         [](const auto& keyboard) {
+                             return "Delay" + std::to_string(keyboard.param.delay.count()) +
+                                    "Period" + std::to_string(keyboard.param.period.count());
+                         });
 
 // The first of many that come 400 ms apart ends the wait after the flash.
 TEST_F(one_press_test, CountsNoneOfAUserWhoKnocks) {
@@ -231,8 +229,9 @@ TEST_P(line_end_test, ChoosesAFlashAndDoesNotEndTheWaitAfterIt) {
 TEST_P(line_end_test, MayComeInPieces) {
     press("1");
     press(GetParam().substr(0, 1));
-    session->await([this] { return session->isWaitingForMore() || session->screen().contains("wri"); },
-                   "the wait for the second byte");
+    session->await(
+        [this] { return session->isWaitingForMore() || session->screen().contains("wri"); },
+        "the wait for the second byte");
     const bool isInTime = !session->screen().contains("Starting");
     session->type(GetParam().substr(1));
     session->awaitKeyWait();

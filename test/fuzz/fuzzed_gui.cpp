@@ -38,7 +38,7 @@ int prepareSurroundings() {
     return takePseudoTerminal();
 }
 
-fuzzed_gui::fuzzed_gui() : gui(true) {
+fuzzed_gui::fuzzed_gui(bool evaluate) : gui(evaluate) {
     scriptedInputs.clear();
     print = [this](const std::string& text) {
         if (text.ends_with('\n')) {
@@ -53,7 +53,12 @@ fuzzed_gui::fuzzed_gui() : gui(true) {
 events_t fuzzed_gui::run(const menu_elem_t& menu) {
     menus.front() = menu;
     std::string happened;
-    menus.front().callback = [&](menu_item_t item) { happened = "chosen " + std::to_string(item); };
+    menus.front().callback = [&](menu_item_t item) {
+        happened = "chosen " + std::to_string(item);
+        if (isOperation(item)) {
+            operated();
+        }
+    };
     events_t events;
     for (bool hasEnded = false; !hasEnded; events.push_back(event(happened))) {
         try {

@@ -13,7 +13,8 @@ int prepareSurroundings();
 /// The application on a terminal of its own; what it draws goes to a text instead.
 class fuzzed_gui : public gui {
 public:
-    fuzzed_gui();
+    /// @param evaluate as for gui
+    explicit fuzzed_gui(bool evaluate);
 
     /// @return what happens up to the end of the program: one text for every choice or warning,
     /// with the highlight and the last drawing
@@ -25,7 +26,11 @@ public:
     /// Called for every warning.
     std::function<void()> warned = [] {};
 
+    /// Called instead of every operation.
+    std::function<void()> operated = [] {};
+
     using stream::currentInput;
+    using stream::discardKnocking;
     using stream::readByte;
 
 private:

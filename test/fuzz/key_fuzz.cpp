@@ -2,6 +2,7 @@
 // once: a pause in milliseconds, as one byte, and what is typed after it.
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 
@@ -14,25 +15,46 @@ namespace {
 
 struct session_t {
     events_t events;
-    texts_t keys;  ///< an empty one, and all that were read
+    texts_t keys;  ///< an empty one, and all that were read and not thrown away
 };
 
 session_t sessionExpected(const std::string& kinds, const typing_t& typing) {
     session_t session;
     keyboard_model keyboard(typing);
     session.keys.emplace_back();
-    session.events = menu_model(kinds).run(
-        [&] {
-            session.keys.push_back(keyboard.nextKey());
-            return session.keys.back();
-        },
-        [&] { keyboard.awaitEnter(); });
+    bool isDrawn = true;
+    session.events = menu_model(kinds).run({
+        .nextInput =
+            [&] {
+                keyboard.passTime(isDrawn ? drawingTime : 0);
+                isDrawn = true;
+                session.keys.push_back(keyboard.nextKey());
+                return session.keys.back();
+            },
+        .confirms =
+            [&] {
+                isDrawn = keyboard.isOnePress();
+                if (!isDrawn) {
+                    session.keys.pop_back();  // nothing is drawn after it
+                }
+                return isDrawn;
+            },
+        .operated =
+            [&] {
+                keyboard.passTime(operationTime);
+                keyboard.awaitEnterAfterOperation();
+            },
+        .warned = [&] { keyboard.awaitEnter(); },
+    });
     return session;
 }
 
 session_t sessionSeen(const std::string& kinds, const typing_t& typing) {
     static const int terminal = prepareSurroundings();
-    static fuzzed_gui application;
+    static fuzzed_gui application(false);
+    enter_times::now = [] {
+        return enter_times::clock_t::time_point(std::chrono::milliseconds(typist::time()));
+    };
     session_t session;
     typist user(terminal, typing);
     application.currentInput.clear();
@@ -41,6 +63,11 @@ session_t sessionSeen(const std::string& kinds, const typing_t& typing) {
         user.passTime(drawingTime);
     };
     application.warned = [] { application.waitForEnter(""); };
+    application.operated = [&] {
+        user.passTime(operationTime);
+        application.discardKnocking();
+        application.waitForEnter("");
+    };
     session.events = application.run(menuOf(kinds));
     session.keys.push_back(application.currentInput);
     while (fuzzed_gui::readByte() != EOF) {

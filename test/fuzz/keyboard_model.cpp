@@ -15,7 +15,9 @@ bool isCut(const std::string& bytes) {
            (last.starts_with("\x1b[") && std::none_of(last.begin() + 2, last.end(), isFinal));
 }
 
-bool hasEnter(const std::string& bytes) { return bytes.find('\n') != std::string::npos; }
+std::ptrdiff_t enters(const std::string& bytes) {
+    return std::count(bytes.begin(), bytes.end(), '\n');
+}
 
 }  // namespace
 
@@ -30,10 +32,12 @@ keyboard_model::keyboard_model(const typing_t& typing) {
 }
 
 std::string keyboard_model::nextKey() {
-    now += drawingTime;
     std::string typedEarlier;
-    takeArrived(typedEarlier, [&] { return isCut(typedEarlier) || hasEnter(typedEarlier); });
+    takeArrived(typedEarlier, [&] { return isCut(typedEarlier) || enters(typedEarlier) > 0; });
     std::string key(1, takeByte());
+    if (key.front() != '\n') {
+        lastEnter = never;
+    }
     if (key.front() == escape) {
         takeArrived(key, [&] { return isCut(key); });
     }
@@ -45,10 +49,31 @@ void keyboard_model::awaitEnter() {
     }
 }
 
+bool keyboard_model::isOnePress() {
+    const bool isPress = !isRepeat;
+    if (isPress) {
+        std::string rest;
+        takeArrived(rest, [] { return true; });
+    }
+    return isPress;
+}
+
+void keyboard_model::awaitEnterAfterOperation() {
+    std::string typed;
+    takeArrived(typed, [&] { return isCut(typed) || enters(typed) > 1; });
+    if (enters(typed) != 1) {
+        awaitEnter();
+    }
+}
+
 char keyboard_model::takeByte() {
     const arrival_t arrival = arrivals.front();
     arrivals.pop_front();
     now = std::max(now, arrival.time);
+    if (arrival.byte == '\n') {
+        isRepeat = now - lastEnter < 1000;
+        lastEnter = now;
+    }
     return arrival.byte;
 }
 

@@ -11,11 +11,21 @@ class keyboard_model {
 public:
     explicit keyboard_model(const typing_t& typing);
 
-    /// @return the key that the menu takes after its next drawing
+    /// Lets time pass, in milliseconds.
+    void passTime(int milliseconds) { now += milliseconds; }
+
+    /// @return the key that the menu takes next
     std::string nextKey();
 
     /// Leaves out all up to the next line feed.
     void awaitEnter();
+
+    /// @return true when the last key, an ENTER, is no repeat; leaves out what belongs to it then
+    bool isOnePress();
+
+    /// Leaves out all up to the ENTER that ends the wait after an operation: the one that has
+    /// arrived, or, as several are none, one typed later.
+    void awaitEnterAfterOperation();
 
 private:
     struct arrival_t {
@@ -28,4 +38,8 @@ private:
 
     std::deque<arrival_t> arrivals;
     int now = 0;
+    int lastEnter = never;
+    bool isRepeat = false;
+
+    static constexpr int never = -1'000'000;
 };

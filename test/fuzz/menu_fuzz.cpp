@@ -13,13 +13,13 @@ namespace {
 fuzzed_gui& application() {
     static const int terminal = prepareSurroundings();
     static_cast<void>(terminal);
-    static fuzzed_gui instance;
+    static fuzzed_gui instance(true);
     return instance;
 }
 
 events_t eventsExpected(const std::string& kinds, const texts_t& inputs) {
     auto input = inputs.begin();
-    return menu_model(kinds).run([&] { return *input++; });
+    return menu_model(kinds).run({.nextInput = [&] { return *input++; }});
 }
 
 events_t eventsSeen(const std::string& kinds, const texts_t& inputs) {

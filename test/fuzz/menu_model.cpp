@@ -60,12 +60,17 @@ menu_model::menu_model(const std::string& kinds) : lines("." + kinds + ".") {
     }
 }
 
-events_t menu_model::run(const std::function<std::string()>& nextInput,
-                         const std::function<void()>& warned) {
+/// The main menu's lines that flash or reboot have these keys.
+bool menu_model::isOnOperation() const { return (selected >= 1 && selected <= 4) || selected == 9; }
+
+events_t menu_model::run(const menu_hooks_t& hooks) {
     events_t events;
     std::string drawn = drawing();
     for (std::string input; !endsProgram(input);) {
-        input = nextInput();
+        input = hooks.nextInput();
+        if (input == "\n" && isOnOperation() && !hooks.confirms()) {
+            continue;
+        }
         const std::string happened = answer(input);
         if (!happened.empty()) {
             // What it says is shown as far as its first NUL.
@@ -73,7 +78,9 @@ events_t menu_model::run(const std::function<std::string()>& nextInput,
                              std::to_string(selected) + "\n" + drawn);
         }
         if (happened.starts_with("Wrong")) {
-            warned();
+            hooks.warned();
+        } else if (input == "\n" && isOnOperation()) {
+            hooks.operated();
         }
         drawn = drawing();
     }
@@ -84,6 +91,9 @@ events_t menu_model::run(const std::function<std::string()>& nextInput,
 std::string menu_model::answer(const std::string& input) {
     if (endsProgram(input)) {
         return "user interruption";
+    }
+    if (input == "\f") {
+        return "";
     }
     if (input == "\n") {
         return "chosen " + std::to_string(selected);

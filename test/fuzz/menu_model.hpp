@@ -22,19 +22,25 @@ menu_elem_t menuOf(const std::string& kinds);
 /// @return the inputs, and a last one that ends the program
 texts_t inputsOf(const std::string& text);
 
+/// What a menu_model asks and tells.
+struct menu_hooks_t {
+    std::function<std::string()> nextInput;                ///< one that ends in Ctrl-C is the last
+    std::function<bool()> confirms = [] { return true; };  ///< whether ENTER starts an operation
+    std::function<void()> operated = [] {};                ///< called instead of every operation
+    std::function<void()> warned = [] {};                  ///< called for every warning
+};
+
 /// A menu and its user on paper: shares nothing with the menu loop and the rules of movement.
 class menu_model {
 public:
     explicit menu_model(const std::string& kinds);
 
-    /// @param nextInput called for every input; one that ends in Ctrl-C is the last
-    /// @param warned called for every warning
     /// @return see fuzzed_gui::run
-    events_t run(
-        const std::function<std::string()>& nextInput, const std::function<void()>& warned = [] {});
+    events_t run(const menu_hooks_t& hooks);
 
 private:
     std::string answer(const std::string& input);
+    bool isOnOperation() const;
     void moveUp();
     void moveDown();
     std::string drawing() const;

@@ -11,7 +11,8 @@ typing_t typingOf(const std::string& text) {
         }
     }
     constexpr int longAfterAll = 1000;
-    typing.push_back({longAfterAll, "\n"});
-    typing.push_back({longAfterAll, "\x03"});
+    for (const char* key : {"x", "\n", "\x03"}) {
+        typing.push_back({longAfterAll, key});
+    }
     return typing;
 }

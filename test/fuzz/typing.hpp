@@ -17,6 +17,10 @@ inline constexpr std::size_t longestTyping = 1000;
 /// How long a drawing of the menu takes, in milliseconds: what arrives meanwhile is typed ahead.
 inline constexpr int drawingTime = 20;
 
+/// How long an operation takes, in milliseconds.
+inline constexpr int operationTime = 700;
+
 /// @param text pieces, each after a "|"; the first byte of a piece is its pause
-/// @return the pieces, and the last ones that confirm a warning and end the program
+/// @return the pieces, and the last ones that lead to a warning, end it, or the wait after an
+/// operation, and end the program
 typing_t typingOf(const std::string& text);

@@ -44,6 +44,8 @@ bool typist::awaitPiece(int milliseconds) {
     return isInTime;
 }
 
+int typist::time() { return current->now; }
+
 void typist::typeWhatIsDue() {
     while (next != typing.end() && nextTime <= now) {
         type(next->bytes);

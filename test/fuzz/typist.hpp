@@ -22,6 +22,9 @@ public:
     /// @return false when the time is over
     bool awaitPiece(int milliseconds);
 
+    /// @return the time of the one that there is, in milliseconds
+    static int time();
+
 private:
     void typeWhatIsDue();
     void type(const std::string& bytes) const;

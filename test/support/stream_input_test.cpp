@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -57,6 +58,42 @@ TEST(ReadInput, TakesAWholeArrowKey) {
 }
 
 TEST(ReadInput, TakesALoneEscape) { EXPECT_EQ("1:\x1b;1:2;", pressed({"\x1b", "2"})); }
+
+// Where the line makes no line feed of it, it is the ENTER key all the same. Nobody holds a key
+// down that is queued.
+TEST(ReadInput, KnowsARepeatedEnter) {
+    const auto lastIsRepeated = [](const std::vector<std::string>& keys) {
+        terminal_session session([&] {
+            enter_times::now = [] { return enter_times::clock_t::time_point(); };
+            setRawMode();
+            termios attributes{};
+            tcgetattr(STDIN_FILENO, &attributes);
+            attributes.c_iflag &= ~static_cast<tcflag_t>(ICRNL);
+            tcsetattr(STDIN_FILENO, TCSANOW, &attributes);
+            open_stream input;
+            for (const std::string& key : keys) {
+                if (key == "queued") {
+                    input.queueInput("\n");
+                }
+                input.readInput();
+            }
+            return std::string(input.isRepeatedEnter() ? "repeat" : "press");
+        });
+        for (const std::string& key : keys) {
+            if (key != "queued") {
+                session.press(key);
+            }
+        }
+        return session.result();
+    };
+    EXPECT_EQ("press", lastIsRepeated({"\n"}));
+    EXPECT_EQ("repeat", lastIsRepeated({"\n", "\n"}));
+    EXPECT_EQ("repeat", lastIsRepeated({"\r", "\n"}));
+    EXPECT_EQ("press", lastIsRepeated({"\n", "2", "\n"}));
+    EXPECT_EQ("press", lastIsRepeated({"\n", "\x1b[A", "\n"}));
+    EXPECT_EQ("repeat", lastIsRepeated({"\x1b[A\n", "\n"}));
+    EXPECT_EQ("press", lastIsRepeated({"\n", "\n", "queued"}));
+}
 
 // A serial line delivers an arrow key in pieces: the read goes on until the sequence is whole.
 TEST(ReadInput, WaitsForTheRestOfASequence) {

@@ -150,6 +150,26 @@ TEST(TypeAhead, WithAnEnterIsFollowedByQuiet) {
     }
 }
 
+// The ENTER that is pressed then may be the next one of a held key.
+TEST(TypeAhead, WithAnEnterMakesTheNextOneARepeat) {
+    for (const char* earlier : {"\n", "2"}) {
+        terminal_session session([] {
+            enter_times::now = [] { return enter_times::clock_t::time_point(); };
+            setRawMode();
+            open_stream input;
+            while (getchar() != 'g') {
+                clearerr(stdin);
+            }
+            input.readInput();
+            return std::string(input.isRepeatedEnter() ? "repeat" : "press");
+        });
+        session.await([&] { return !session.terminal().isCooked(); }, "the raw mode");
+        session.type(std::string("g") + earlier);
+        session.press("\r");
+        EXPECT_EQ(*earlier == '\n' ? "repeat" : "press", session.result());
+    }
+}
+
 // A window that is dragged to its size sends dozens of them.
 TEST(TypeAhead, WithAnEnterIsFollowedByQuietHoweverManySignalsComeIn) {
     terminal_session session([] {

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -183,6 +184,42 @@ TEST(TerminalGuard, WritesNothingAroundAStopBeforeTheCursorIsKnown) {
     });
     EXPECT_EQ("went on", session.result());
     EXPECT_EQ("", session.output());
+}
+
+// The calls that it makes on the way would otherwise be taken for the interrupted program's.
+TEST(TerminalGuard, KeepsTheErrorOfAnInterruptedCallOverAStop) {
+    terminal_session session([] {
+        const terminal_guard guard;
+        close(STDIN_FILENO);  // so that asking for its attributes fails
+        errno = ERANGE;
+        raise(SIGTSTP);
+        return std::string(errno == ERANGE ? "kept" : "lost");
+    });
+    EXPECT_EQ("kept", session.result());
+}
+
+// Its shell has taken the terminal back: restoring it from there must not stop the process.
+TEST(TerminalGuard, EndsInTheBackground) {
+    terminal_session session([] {
+        std::signal(SIGTTOU, SIG_IGN);
+        const pid_t shell = getpid();
+        const pid_t job = fork();
+        if (job == 0) {
+            setpgid(0, 0);
+            tcsetpgrp(STDIN_FILENO, getpid());
+            std::signal(SIGTTOU, SIG_DFL);
+            const terminal_guard guard;
+            std::signal(SIGTTOU, SIG_IGN);
+            tcsetpgrp(STDIN_FILENO, shell);
+            std::signal(SIGTTOU, SIG_DFL);
+            std::exit(3);
+        }
+        int status = -1;
+        waitpid(job, &status, WUNTRACED);
+        kill(job, SIGKILL);
+        return std::string(WIFEXITED(status) ? "ended" : "stopped");
+    });
+    EXPECT_EQ("ended", session.result());
 }
 
 // The cursor's sequence would be waited for for ever.
