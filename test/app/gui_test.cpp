@@ -1,6 +1,8 @@
 #include "app/gui.hpp"
 
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "harness/terminal_session.hpp"
@@ -138,6 +140,23 @@ TEST_F(gui_test, SaysThatThereWasNoInput) {
                   const typed_input nothing("");
                   return thrown<std::runtime_error>([&] { application.showMenuOnce(); });
               }));
+}
+
+// Nobody has pressed its ENTERs: there is nothing of theirs to be thrown away.
+TEST_F(gui_test, LeavesTheKeyboardAloneInTheScriptedWalk) {
+    terminal_session session([this] {
+        const inside_package inside(package);
+        open_gui application(true);
+        application.menus.at(0).callback = [](menu_item_t) {};
+        pollfd keyboard{STDIN_FILENO, POLLIN, 0};
+        poll(&keyboard, 1, -1);
+        application.showMenuOnce();
+        int waiting = 0;
+        ioctl(STDIN_FILENO, FIONREAD, &waiting);
+        return selectedKeys(application) + ", waiting: " + std::to_string(waiting);
+    });
+    session.type("x");
+    EXPECT_EQ("0 1 0, waiting: 1", session.result());
 }
 
 TEST_F(gui_test, ScriptsTheKeysToATarget) {
