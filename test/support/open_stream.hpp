@@ -11,6 +11,8 @@
 
 struct open_stream : stream {
     using stream::currentInput;
+    using stream::discardKnocking;
+    using stream::readByte;
 };
 
 /// What one read yields: the count and the input.

@@ -170,6 +170,30 @@ TEST(TypeAhead, WithAnEnterMakesTheNextOneARepeat) {
     }
 }
 
+// One is an answer that a script gives early; of several, more may be on the way.
+TEST(TypeAhead, OfASingleEnterIsLeftAndOfSeveralNoneAfterAQuiet) {
+    const auto left = [](const std::string& earlier) {
+        terminal_session session([] {
+            setRawMode();
+            open_stream input;
+            while (getchar() != 'g') {
+                clearerr(stdin);
+            }
+            const auto start = std::chrono::steady_clock::now();
+            input.discardKnocking();
+            const bool isQuiet =
+                std::chrono::steady_clock::now() - start >= std::chrono::milliseconds(50);
+            return std::to_string(open_stream::readByte()) + (isQuiet ? " quiet" : "");
+        });
+        session.await([&] { return !session.terminal().isCooked(); }, "the raw mode");
+        session.type("g" + earlier);
+        return session.result();
+    };
+    EXPECT_EQ(std::to_string('\n'), left("ab\r12").substr(0, 2));
+    EXPECT_EQ("-1 quiet", left("\r\r"));
+    EXPECT_EQ("-1 quiet", left("1\r2\n3"));
+}
+
 // A window that is dragged to its size sends dozens of them.
 TEST(TypeAhead, WithAnEnterIsFollowedByQuietHoweverManySignalsComeIn) {
     terminal_session session([] {
