@@ -116,9 +116,6 @@ void stream::discardKnocking() {
     if (isatty(STDIN_FILENO) == 0) {
         return;
     }
-    if (settleBeforeWait) {
-        settleBeforeWait();  // as before every look at a key: the mode may be another one by now
-    }
     const input_watch keyboard(STDIN_FILENO);
     if (discardTyped(keyboard, [](int enterCount) { return enterCount > 1; }) == 1) {
         std::ungetc(lineFeed, stdin);
