@@ -1,15 +1,16 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "figures.hpp"
 
-/// Something that the tool promises.
+/// Something that varnmenu promises, or only a comparison.
 struct bound_t {
     std::string what;
-    double value;  ///< as measured
-    double most;   ///< that it may be
+    double value;                ///< as measured
+    std::optional<double> most;  ///< that it may be; none for a comparison
 };
 
 /// @param longFiles two, of which the second has the more lines

@@ -29,7 +29,8 @@ contestants_t makeContestants(const std::string& package, const std::string& lim
             contestant_t{"whiptail", tool, menuCommand("/usr/bin/whiptail"), false},
             contestant_t{"dialog", tool, menuCommand("/usr/bin/dialog"), true},
             contestant_t{"limit.c", tool, {limitProgram}, true},
-            contestant_t{"limit.c with a watch", tool, {limitProgram, "watch"}, true}};
+            contestant_t{"limit.c with a watch", tool, {limitProgram, "watch"}, true},
+            contestant_t{"limit.c on terminfo", tool, {limitProgram, "terminfo"}, true}};
 }
 
 contestant_t makeOurs(const std::string& package) {

@@ -12,6 +12,7 @@ enum contestant_id_t : std::size_t {
     dialog,
     limit,
     watched_limit,
+    terminfo_limit,
     contestant_count
 };
 
@@ -27,8 +28,7 @@ using contestants_t = std::array<contestant_t, contestant_count>;
 
 /// All show the same eight entries under the same title.
 /// @param package a firmware package with the tool in its tool folder
-/// @param limitProgram the smallest program that shows the menu, with an argument also with a watch
-/// for each key
+/// @param limitProgram the smallest program that shows the menu, see limit.c
 contestants_t makeContestants(const std::string& package, const std::string& limitProgram);
 
 /// The tool in another package.

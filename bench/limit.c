@@ -1,21 +1,23 @@
 // The least that a program has to do to show the main menu: the yardstick of the bench, nothing to
 // ship. It takes what every menu must take from the system and draws the same bytes as varnmenu,
 // but has no second menu, no documents, no flash, no care for signals and hardly any for errors.
-// With any argument it also makes a watch for each key and leaves it open, as varnmenu must.
+//
+//   limit             the bare menu
+//   limit watch       opens an epoll descriptor for each key and never closes it, as varnmenu does
+//   limit terminfo    also writes with putp, and makes for each key the same system calls
 
-#define _GNU_SOURCE
 #include <curses.h>
-#include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <stdbool.h>
-#include <stdlib.h>
+#include <stdio.h>
 #include <string.h>
 #include <sys/epoll.h>
-#include <sys/wait.h>
+#include <sys/ioctl.h>
 #include <term.h>
 #include <termios.h>
 #include <unistd.h>
+
+#include "limit_package.h"
 
 enum { red = 1, blue = 4, white = 7 };
 enum { entryCount = 8, lineCount = 14 };
@@ -34,28 +36,36 @@ static const char* const entries[] = {
     "Exit",
 };
 
+static enum { bare, watching, onTerminfo } form;
+
+static struct termios ownMode;
+
 static struct {
     const char *clear, *hide, *show, *save, *toStart, *bold, *reverse, *reset, *up, *down;
     char white[16], onBlue[16], red[16], blue[16], toTop[16];
 } sequence;
 
-static char file[4096];  // the release file, its values cut out in place
-static char *firmware, *sdr, *systemName, *image;
-
-static char buffer[8192];  // one drawing
+static char buffer[8192];  // one drawing, which is one write
 static size_t used;
 
 static int selected;  // shown number of the highlighted entry, 0 for none
 
 static void put(const char* text) {
+    if (form == onTerminfo) {
+        putp(text);
+        return;
+    }
     const size_t length = strlen(text);
     memcpy(buffer + used, text, length);
     used += length;
 }
 
-static void putDigit(int digit) { buffer[used++] = (char)('0' + digit); }
+static void putDigit(int digit) { put((const char[]){(char)('0' + digit), '\0'}); }
 
 static bool flush(void) {
+    if (form == onTerminfo) {
+        return fflush(stdout) == 0;
+    }
     const bool isWritten = write(STDOUT_FILENO, buffer, used) == (ssize_t)used;
     used = 0;
     return isWritten;
@@ -80,74 +90,12 @@ static void loadSequences(void) {
     strcpy(sequence.toTop, tparm(tigetstr("cuu"), lineCount, 0, 0, 0, 0, 0, 0, 0, 0));
 }
 
-// The value of a "KEY=value" line, without its quotes.
-static char* value(char* line, const char* key) {
-    const size_t length = strlen(key);
-    if (strncmp(line, key, length) != 0) {
-        return NULL;
-    }
-    char* to = line + length;
-    for (const char* from = to; *from != '\0'; ++from) {
-        if (*from != '"' && *from != '\r') {
-            *to++ = *from;
-        }
-    }
-    *to = '\0';
-    return line + length;
-}
-
-static bool readReleaseFile(void) {
-    const int input = open("../releasefile-information.txt", O_RDONLY | O_CLOEXEC);
-    const ssize_t length = read(input, file, sizeof file - 1);
-    close(input);
-    char* rest = NULL;
-    for (char* line = length > 0 ? strtok_r(file, "\n", &rest) : NULL; line != NULL;
-         line = strtok_r(NULL, "\n", &rest)) {
-        char* found = NULL;
-        if ((found = value(line, "VARN_RELEASE=")) != NULL) {
-            firmware = found;
-        } else if ((found = value(line, "SDR_RELEASE=")) != NULL) {
-            sdr = found;
-        } else if ((found = value(line, "SYSTEM=")) != NULL) {
-            systemName = found;
-        } else if ((found = value(line, "IMAGE_NAME=")) != NULL) {
-            image = found;
-        }
-    }
-    return firmware != NULL && sdr != NULL && systemName != NULL && image != NULL;
-}
-
-static bool isImageThere(void) {
-    static char path[4200] = "../";
-    strcat(path, image);
-    return access(path, F_OK) == 0;
-}
-
-// Its status, or -1.
-static int runCoreProgram(void) {
-    static char path[4096] = "PATH=", term[128] = "TERM=", directory[4200] = "PWD=";
-    strncat(path, getenv("PATH"), sizeof path - sizeof "PATH=");
-    strncat(term, getenv("TERM"), sizeof term - sizeof "TERM=");
-    if (getcwd(directory + 4, 4096) == NULL) {
-        return -1;
-    }
-    char* const words[] = {"./varnflash", "/ispfr", NULL};
-    char* const variables[] = {path, term, directory, "LANG=en_US.UTF-8", NULL};
-    pid_t child = 0;
-    int status = 0;
-    if (posix_spawn(&child, words[0], NULL, NULL, words, variables) != 0 ||
-        waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
-        return -1;
-    }
-    return WEXITSTATUS(status);
-}
-
 static void putHeader(void) {
     put(sequence.bold);
     put(sequence.white);
     put(sequence.onBlue);
     put("       This tool will update Varn FW --> Rel. ");
-    put(firmware);
+    put(release.firmware);
     put("       \n");
     put(sequence.reset);
 }
@@ -180,11 +128,11 @@ static void putFooter(void) {
     put(sequence.reset);
     put(sequence.red);
     put("Varn-FW: ");
-    put(firmware);
+    put(release.firmware);
     put("  SDRR: ");
-    put(sdr);
+    put(release.sdr);
     put("  for ");
-    put(systemName);
+    put(release.systemName);
     put("  \n");
     put(sequence.reset);
     put(sequence.blue);
@@ -200,9 +148,15 @@ static bool drawMenu(void) {
 }
 
 static bool redrawMenu(void) {
-    put(sequence.save);
-    put(sequence.toStart);
-    put(sequence.toTop);
+    struct winsize window = {0};
+    if (form == onTerminfo && ioctl(STDOUT_FILENO, TIOCGWINSZ, &window) == 0 &&
+        window.ws_row <= lineCount) {
+        put(sequence.clear);
+    } else {
+        put(sequence.save);
+        put(sequence.toStart);
+        put(sequence.toTop);
+    }
     return drawMenu();
 }
 
@@ -221,20 +175,53 @@ static bool takeKey(const char* key, size_t length) {
     return true;
 }
 
-static void awaitKeyByPoll(void) {
-    struct pollfd keyboard = {STDIN_FILENO, POLLIN, 0};
-    poll(&keyboard, 1, -1);
+// Takes the mode back if somebody has changed it, and waits until the drawing has been shown.
+static void settle(void) {
+    struct termios now;
+    if (tcgetattr(STDIN_FILENO, &now) == 0 && now.c_lflag != ownMode.c_lflag) {
+        tcsetattr(STDIN_FILENO, TCSANOW, &ownMode);
+    }
+    tcdrain(STDOUT_FILENO);
 }
 
-static void awaitKeyByWatch(void) {
+// Throws away what was typed before, or what follows the bytes of a key.
+static void readRest(void) {
+    char bytes[64];
+    while (read(STDIN_FILENO, bytes, sizeof bytes) > 0) {
+    }
+}
+
+static ssize_t readKey(char* key, size_t size) {
+    const ssize_t length = read(STDIN_FILENO, key, size);
+    if (form == onTerminfo && length > 0 && *key == '\033') {
+        readRest();
+    }
+    return length;
+}
+
+static ssize_t awaitKeyByPoll(char* key, size_t size) {
+    struct pollfd keyboard = {STDIN_FILENO, POLLIN, 0};
+    readRest();
+    poll(&keyboard, 1, -1);
+    return readKey(key, size);
+}
+
+static ssize_t awaitKeyByWatch(char* key, size_t size) {
     const int watch = epoll_create1(EPOLL_CLOEXEC);
     struct epoll_event event = {.events = EPOLLIN};
     epoll_ctl(watch, EPOLL_CTL_ADD, STDIN_FILENO, &event);
+    if (form == onTerminfo) {
+        settle();
+    }
+    readRest();
     epoll_wait(watch, &event, 1, -1);
+    const ssize_t length = readKey(key, size);
     epoll_ctl(watch, EPOLL_CTL_DEL, STDIN_FILENO, NULL);
+    return length;
 }
 
-static void showMenu(void (*awaitKey)(void)) {
+static void showMenu(void) {
+    ssize_t (*const awaitKey)(char*, size_t) = form == bare ? awaitKeyByPoll : awaitKeyByWatch;
     put(sequence.clear);
     put(sequence.hide);
     put(sequence.reset);
@@ -242,11 +229,7 @@ static void showMenu(void (*awaitKey)(void)) {
     put(sequence.hide);
     for (bool goesOn = drawMenu(); goesOn;) {
         char key[64];
-        while (read(STDIN_FILENO, key, sizeof key) > 0) {
-            // What was typed earlier is thrown away.
-        }
-        awaitKey();
-        const ssize_t length = read(STDIN_FILENO, key, sizeof key);
+        const ssize_t length = awaitKey(key, sizeof key);
         goesOn = length > 0 && takeKey(key, (size_t)length) && redrawMenu();
     }
     put(sequence.clear);
@@ -255,22 +238,25 @@ static void showMenu(void (*awaitKey)(void)) {
 }
 
 int main(int argc, char** argv) {
-    (void)argv;
+    if (argc > 1) {
+        form = strcmp(argv[1], "terminfo") == 0 ? onTerminfo : watching;
+        setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
+    }
     struct termios user;
     if (tcgetattr(STDIN_FILENO, &user) != 0) {
         return 1;
     }
-    struct termios raw = user;
-    raw.c_lflag &= ~(tcflag_t)(ISIG | ICANON | ECHO);
-    raw.c_cc[VMIN] = 0;
-    raw.c_cc[VTIME] = 0;
-    tcsetattr(STDIN_FILENO, TCSANOW, &raw);
+    ownMode = user;
+    ownMode.c_lflag &= ~(tcflag_t)(ISIG | ICANON | ECHO);
+    ownMode.c_cc[VMIN] = 0;
+    ownMode.c_cc[VTIME] = 0;
+    tcsetattr(STDIN_FILENO, TCSANOW, &ownMode);
     const bool isFit = setupterm(NULL, STDOUT_FILENO, NULL) == OK && readReleaseFile() &&
                        isImageThere() && access("./varnflash", F_OK) == 0 &&
                        runCoreProgram() == 0 && getuid() == 0;
     if (isFit) {
         loadSequences();
-        showMenu(argc > 1 ? awaitKeyByWatch : awaitKeyByPoll);
+        showMenu();
     }
     tcsetattr(STDIN_FILENO, TCSANOW, &user);
     return 0;

@@ -55,6 +55,13 @@ std::string spread(const samples_t& samples, int decimals) {
     return low == high ? middle : middle + " (" + low + " to " + high + ")";
 }
 
+const char* verdict(const bound_t& bound) {
+    if (!bound.most) {
+        return "-";
+    }
+    return bound.value <= *bound.most ? "yes" : "no";
+}
+
 }  // namespace
 
 void printFigures(std::ostream& out, const figures_t& figures, const contestants_t& contestants) {
@@ -87,8 +94,7 @@ void printLongFiles(std::ostream& out, const long_files_t& files) {
 void printBounds(std::ostream& out, const std::vector<bound_t>& bounds) {
     out << "| bound | at most | measured | met |\n| --- | --- | --- | --- |\n";
     for (const bound_t& bound : bounds) {
-        out << "| " << bound.what << " | " << number(bound.most, 2) << " | "
-            << number(bound.value, 3) << " | " << (bound.value <= bound.most ? "yes" : "no")
-            << " |\n";
+        out << "| " << bound.what << " | " << (bound.most ? number(*bound.most, 2) : "-") << " | "
+            << number(bound.value, 3) << " | " << verdict(bound) << " |\n";
     }
 }

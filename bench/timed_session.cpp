@@ -35,8 +35,7 @@ void check(int error, const std::string& what) {
     }
 }
 
-/// How the child comes to its place: a session of its own, which the terminal that it opens becomes
-/// the controlling one of.
+/// Gives the child its own session; the terminal it opens becomes its controlling terminal.
 class spawn_plan {
 public:
     spawn_plan(const std::string& terminal, const std::string& directory) {
