@@ -127,8 +127,16 @@ void termcurses::initTermcurses() {
             throw std::runtime_error("Cannot print terminal line");
         }
     };
-    parameterise = [](const std::string& sequence, std::int32_t number) {
-        return substituted(sequence, number);
+    parameterise = [this](const std::string& sequence, std::int32_t number) {
+        for (const substitution_t& known : substitutions) {
+            if (known.number == number && known.sequence == sequence) {
+                return known.text;
+            }
+        }
+        substitution_t made{sequence, number, {}};
+        made.text = substituted(sequence, number);
+        substitutions.push_back(made);
+        return made.text;
     };
     lookUp = [](const std::string& name) { return stringCapability(name); };
     alternative = [](const std::string& sequence) { return otherCursorKeyForm(sequence); };
@@ -149,6 +157,7 @@ void termcurses::initTermcurses() {
 }
 
 void termcurses::initSequences() {
+    substitutions.clear();
     sequences = capabilityNames();
     for (auto& [id, text] : sequences) {
         if (!text.empty()) {
@@ -174,13 +183,13 @@ void termcurses::screenCommand(std::int32_t command) {
     }
 }
 
-void termcurses::setForeground(std::int32_t colour) {
-    print(parameterise(sequences.at(cap_foreground), colour));
+void termcurses::printWithNumber(std::uint32_t capability, std::int32_t number) {
+    print(parameterise(sequences.at(capability), number));
 }
 
-void termcurses::setBackground(std::int32_t colour) {
-    print(parameterise(sequences.at(cap_background), colour));
-}
+void termcurses::setForeground(std::int32_t colour) { printWithNumber(cap_foreground, colour); }
+
+void termcurses::setBackground(std::int32_t colour) { printWithNumber(cap_background, colour); }
 
 void termcurses::setBold() { print(sequences.at(cap_bold)); }
 
@@ -191,7 +200,7 @@ std::string termcurses::highlight(const std::string& text) const {
 /// The saved position marks where the last drawing ended; nothing goes back there.
 void termcurses::cursorUp(std::int32_t count) {
     print(sequences.at(cap_save_cursor) + sequences.at(cap_carriage_return));
-    print(parameterise(sequences.at(cap_cursor_up), count));
+    printWithNumber(cap_cursor_up, count);
 }
 
 std::string termcurses::keySequence(std::uint32_t key) const {

@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 enum term_init_t : int { TERM_INIT = 0, TERM_UNINIT = 1 };
 
@@ -99,11 +100,24 @@ public:
     /// @throws std::invalid_argument for anything but ESC "[" or ESC "O" at its start
     std::function<std::string(const std::string&)> alternative;
 
-    /// Sequence and number to the sequence with the number in it.
+    /// Sequence and number to the sequence with the number in it. Terminfo is asked once for each
+    /// pair, until initSequences.
     /// @throws std::invalid_argument when terminfo cannot make it
     std::function<std::string(const std::string&, std::int32_t)> parameterise;
 
     /// Writes a sequence to standard output.
     /// @throws std::runtime_error for an empty sequence, and when it cannot be written
     std::function<void(const std::string&)> print;
+
+private:
+    void printWithNumber(std::uint32_t capability, std::int32_t number);
+
+    struct substitution_t {
+        std::string sequence;
+        std::int32_t number;
+        std::string text;
+    };
+
+    /// What terminfo has made: every drawing needs the same five.
+    std::vector<substitution_t> substitutions;
 };

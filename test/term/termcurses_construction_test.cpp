@@ -85,6 +85,32 @@ TEST(TermcursesConstruction, TakesVt100WithoutTerm) {
     }
 }
 
+// The terminal counts in a variable of terminfo's how often it is asked, from 0 whenever it is set
+// up; see terminfo(5), "Parameterized Strings".
+TEST(TermcursesConstruction, AsksTerminfoOnceForEachSequenceAndNumber) {
+    const own_terminals own(
+        "counting|linux that counts,\n"
+        "\tsetaf=F%p1%d.%gA%d%gA%{1}%+%PA,\n"
+        "\tsetab=B%p1%d.%gA%d%gA%{1}%+%PA,\n"
+        "\tuse=linux,\n");
+    EXPECT_EQ("F1.0 F2.1 B1.2 F1.0 F1.3 F1.3 F1.0 ", on("counting", [](termcurses& terminal) {
+                  std::string all;
+                  const auto ask = [&](std::uint32_t capability, int number) {
+                      all += terminal.parameterise(terminal.sequences.at(capability), number) + " ";
+                  };
+                  ask(3, 1);
+                  ask(3, 2);
+                  ask(4, 1);
+                  ask(3, 1);
+                  terminal.initSequences();
+                  ask(3, 1);
+                  ask(3, 1);
+                  terminal.initTermcurses();
+                  ask(3, 1);
+                  return all;
+              }));
+}
+
 TEST(TermcursesConstruction, NeedsATerminal) {
     const typed_input pipe("");
     EXPECT_EQ("Cannot initialize terminal", thrown<std::invalid_argument>([] { termcurses(); }));
