@@ -15,12 +15,12 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "harness/patience.hpp"
 #include "harness/process_state.hpp"
 
 namespace {
 
 constexpr std::uint32_t noTimeLimit = 0xffffffff;
-constexpr auto patience = std::chrono::seconds(60);
 constexpr int lookAgainMilliseconds = 2;
 constexpr int millisecondsPerSlowByte = 1;
 constexpr int mostLooksAtDying = 500;
@@ -114,13 +114,16 @@ bool terminal_session::pump(int milliseconds) {
 }
 
 void terminal_session::await(const std::function<bool()>& condition, const std::string& what) {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto limit = patience();
+    auto lastSign = std::chrono::steady_clock::now();
     while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
+        const auto now = std::chrono::steady_clock::now();
+        if (now - lastSign > limit) {
             throw std::runtime_error("waited in vain for " + what + ", the screen is:\n" +
                                      display.text());
         }
         bool isFlowing = pump(lookAgainMilliseconds);
+        lastSign = isFlowing ? now : lastSign;
         if (!isFlowing && pty.master() < 0) {
             poll(nullptr, 0, lookAgainMilliseconds);
         }

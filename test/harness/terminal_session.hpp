@@ -11,7 +11,8 @@
 #include "harness/terminal_screen.hpp"
 
 /// One process on a terminal of its own, and a user in front of it. Every wait ends with what it
-/// waits for or, after a minute, with an exception that shows the screen.
+/// waits for, or with an exception that shows the screen when patience() is over and the process
+/// has printed nothing meanwhile.
 class terminal_session {
 public:
     explicit terminal_session(const program_t& program, int rows = 24, int columns = 80);
