@@ -1,32 +1,9 @@
 #include "docs/readtxt.hpp"
 
-#include <array>
+#include <algorithm>
 #include <stdexcept>
 
 namespace {
-
-struct document_t {
-    doc_id_t id;
-    std::string fileName;
-};
-
-std::unordered_map<std::int32_t, std::string> makeDocumentTable() {
-    static const std::string documentDirectory = "../";
-    static const std::array documents{
-        document_t{doc_readme, "readme.txt"},
-        document_t{doc_eula, "eula_en.txt"},
-        document_t{doc_licence_flashtools, "ThirdPartyLicenseReadmeFlashtools.txt"},
-        document_t{doc_licence_morv, "ThirdPartyLicenseReadme_MORV_API.txt"},
-        document_t{doc_licence_firmware, "ThirdPartyLicenseReadmeFirmware.txt"},
-        document_t{doc_copyrights_centos, "CopyrightsCentOS"},
-        document_t{doc_copyrights_debian, "CopyrightsDebian"},
-    };
-    std::unordered_map<std::int32_t, std::string> documentTable;
-    for (const document_t& document : documents) {
-        documentTable.emplace(document.id, documentDirectory + document.fileName);
-    }
-    return documentTable;
-}
 
 std::unordered_map<std::int32_t, doc_id_t> makeDocumentMap(
     const std::vector<std::pair<int, int>>& pairs) {
@@ -35,6 +12,16 @@ std::unordered_map<std::int32_t, doc_id_t> makeDocumentMap(
         map.emplace(menuItem, static_cast<doc_id_t>(document));
     }
     return map;
+}
+
+std::string pathOf(doc_id_t id) {
+    const auto documents = documentTable();
+    const auto document = std::find_if(documents.begin(), documents.end(),
+                                       [id](const document_t& each) { return each.id == id; });
+    if (document == documents.end()) {
+        throw std::runtime_error("Text file is not defined");
+    }
+    return document->path;
 }
 
 }  // namespace
@@ -66,17 +53,13 @@ void readtxt::showDocument(int menuItem,
     if (document == documents.end()) {
         throw std::runtime_error("Text file not supported");
     }
-    const auto documentTable = makeDocumentTable();
-    const auto path = documentTable.find(document->second);
-    if (path == documentTable.end()) {
-        throw std::runtime_error("Text file is not defined");
-    }
-    if (!fileExists(path->second)) {
-        throw std::runtime_error("Text file is not present " + path->second);
+    const std::string path = pathOf(document->second);
+    if (!fileExists(path)) {
+        throw std::runtime_error("Text file is not present " + path);
     }
     for (const reader_prog_t& reader : readerList) {
         if (programExists(reader.name)) {
-            read_prog_handler(evalMode, reader).showFile(path->second);
+            read_prog_handler(evalMode, reader).showFile(path);
             return;
         }
     }

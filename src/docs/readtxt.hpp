@@ -6,19 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "docs/document_table.hpp"
 #include "docs/read_prog_handler.hpp"
 #include "support/support.hpp"
-
-/// The documents of a package.
-enum doc_id_t : std::int32_t {
-    doc_readme,
-    doc_eula,
-    doc_licence_flashtools,
-    doc_licence_morv,
-    doc_licence_firmware,
-    doc_copyrights_centos,
-    doc_copyrights_debian
-};
 
 /// Which of the two document maps a menu item is looked up in.
 enum text_kind_t : int { text_readme = 0, text_legal = 1 };

@@ -5,6 +5,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include "app/menu_tables.hpp"
 #include "harness/terminal_session.hpp"
 #include "harness/test_surroundings.hpp"
 #include "support/menu_exception.hpp"
@@ -55,12 +56,61 @@ std::string script(open_gui& application, menu_elem_t menu, const std::vector<in
     return keys;
 }
 
+/// title, 1, 2, blank, 4, blank, 6, prompt
+menu_elem_t smallMenu() {
+    menu_elem_t menu;
+    for (menu_item_t item = 0; item < 8; ++item) {
+        const bool isEntry = item == 1 || item == 2 || item == 4 || item == 6;
+        menu.lines[item].selectable = isEntry ? 1 : 0;
+    }
+    return menu;
+}
+
+/// @return the lines that the queued keys confirm, menu by menu as the walk has them
+std::string confirmed(open_gui& application) {
+    std::vector<menu_elem_t> menus = application.menus;
+    std::string lines;
+    for (const walk_step_t& step : scriptedWalk()) {
+        menu_elem_t& menu = menus.at(step.menu);
+        if (!menu.lines.contains(step.target)) {
+            continue;
+        }
+        for (std::string input; input != "\n";) {
+            input = application.scriptedInputs.front();
+            application.scriptedInputs.pop_front();
+            if (input == application.keySequence(term_key_up)) {
+                menu.selected = lineAbove(menu, menu.selected);
+            } else if (input == application.keySequence(term_key_down)) {
+                menu.selected = lineBelow(menu, menu.selected);
+            }
+        }
+        lines += std::to_string(menu.selected) + " ";
+    }
+    return lines + std::to_string(application.scriptedInputs.size()) + " left ";
+}
+
+/// @return the lines of the walk that the menus have, in the form of confirmed()
+std::string walkByTheTables(bool hasEmergencyFlash) {
+    std::string lines;
+    for (const auto& [menu, target] : scriptedWalk()) {
+        const menu_elem_t table = menu == index_main ? makeMainMenu() : makeLegalMenu();
+        const bool isLeftOut =
+            menu == index_main && target == main_menu::emergencyFlash && !hasEmergencyFlash;
+        if (table.lines.contains(target) && !isLeftOut) {
+            lines += std::to_string(target == 0 ? lineBelow(table, 0) : target) + " ";
+        }
+    }
+    return lines + "0 left";
+}
+
 }  // namespace
 
 TEST_F(gui_test, DropsTheEmergencyFlashWhenTheCoreProgramSaysSo) {
     package.let("varnflash", "exit 55");
     EXPECT_EQ("gone", with([](open_gui& application) {
-                  return std::string(application.menus.at(0).lines.contains(4) ? "there" : "gone");
+                  return std::string(
+                      application.menus.at(0).lines.contains(main_menu::emergencyFlash) ? "there"
+                                                                                        : "gone");
               }));
     EXPECT_EQ("./varnflash /ispfr", package.commandLines().at(0));
 }
@@ -80,42 +130,46 @@ TEST_F(gui_test, RefusesAnyoneButTheRealRoot) {
 }
 
 TEST_F(gui_test, OpensAndLeavesTheLegalMenu) {
-    EXPECT_EQ("1 7 0|0 7 0", with([](open_gui& application) {
-                  application.menus.at(0).selected = 7;
-                  application.onMainMenuSelect(7);
+    const std::string legal = std::to_string(main_menu::legalDocuments);
+    EXPECT_EQ("1 " + legal + " 0|0 " + legal + " 0", with([](open_gui& application) {
+                  application.menus.at(0).selected = main_menu::legalDocuments;
+                  application.onMainMenuSelect(main_menu::legalDocuments);
                   const std::string opened = selectedKeys(application);
-                  application.menus.at(1).selected = 9;
-                  application.onLegalMenuSelect(9);
+                  application.menus.at(1).selected = legal_menu::exit;
+                  application.onLegalMenuSelect(legal_menu::exit);
                   return opened + "|" + selectedKeys(application);
               }));
 }
 
 TEST_F(gui_test, EndsAtExitInTheMainMenu) {
-    EXPECT_EQ("user normal exit", with([](open_gui& application) {
-                  application.menus.at(0).selected = 10;
-                  return thrown<menu_exception>([&] { application.onMainMenuSelect(10); });
-              }));
+    EXPECT_EQ(
+        "user normal exit", with([](open_gui& application) {
+            application.menus.at(0).selected = main_menu::exit;
+            return thrown<menu_exception>([&] { application.onMainMenuSelect(main_menu::exit); });
+        }));
 }
 
 // Either callback knows the Exit line of whichever menu it serves.
 TEST_F(gui_test, KnowsExitInBothMenusFromBothCallbacks) {
-    EXPECT_EQ("user normal exit", with([](open_gui& application) {
-                  application.currentMenu = 1;
-                  application.menus.at(1).selected = 9;
-                  return thrown<menu_exception>([&] { application.onMainMenuSelect(9); });
-              }));
+    EXPECT_EQ(
+        "user normal exit", with([](open_gui& application) {
+            application.currentMenu = 1;
+            application.menus.at(1).selected = legal_menu::exit;
+            return thrown<menu_exception>([&] { application.onMainMenuSelect(legal_menu::exit); });
+        }));
     EXPECT_EQ("0 0 0", with([](open_gui& application) {
-                  application.menus.at(0).selected = 10;
-                  application.onLegalMenuSelect(10);
+                  application.menus.at(0).selected = main_menu::exit;
+                  application.onLegalMenuSelect(main_menu::exit);
                   return selectedKeys(application);
               }));
 }
 
 TEST_F(gui_test, TakesALineThatTheMenuDoesNotHoldForNoExit) {
     EXPECT_EQ("Flashtools operation not supported", with([](open_gui& application) {
-                  application.menus.at(0).lines.erase(10);
-                  application.menus.at(0).selected = 10;
-                  return thrown<std::runtime_error>([&] { application.onMainMenuSelect(10); });
+                  application.menus.at(0).lines.erase(main_menu::exit);
+                  application.menus.at(0).selected = main_menu::exit;
+                  return thrown<std::runtime_error>(
+                      [&] { application.onMainMenuSelect(main_menu::exit); });
               }));
 }
 
@@ -160,37 +214,32 @@ TEST_F(gui_test, LeavesTheKeyboardAloneInTheScriptedWalk) {
 }
 
 TEST_F(gui_test, ScriptsTheKeysToATarget) {
-    EXPECT_EQ("UE DE DE UUE DDDE DE DE  UE ", with([](open_gui& application) {
-                  return script(application, application.menus.at(0), {0, 2, 3, 1, 4, 6, 7, 99, 6});
-              }));
-    EXPECT_EQ("UE DE UE DDE DE DE  DE ", with([](open_gui& application) {
-                  return script(application, application.menus.at(1), {0, 3, 2, 4, 5, 7, 6, 9});
+    EXPECT_EQ("UE DE UE DDE DE  UE ", with([](open_gui& application) {
+                  return script(application, smallMenu(), {0, 2, 1, 4, 6, 99, 4});
               }));
 }
 
 // A line that cannot be selected is passed by, and the nearest one below it confirmed.
 TEST_F(gui_test, ScriptsTheKeysToTheLineAfterATargetThatCannotBeSelected) {
-    EXPECT_EQ("DDDDDE ", with([](open_gui& application) {
-                  return script(application, application.menus.at(0), {5});
-              }));
+    EXPECT_EQ("DDDE ",
+              with([](open_gui& application) { return script(application, smallMenu(), {3}); }));
 }
 
 // There is no way further up or down: what is highlighted then is confirmed.
 TEST_F(gui_test, ScriptsTheKeysNoFurtherThanTheMenuGoes) {
-    EXPECT_EQ("DDDDDDDDE UUUUUUUE ", with([](open_gui& application) {
-                  return script(application, application.menus.at(0), {13, 0});
+    EXPECT_EQ("DDDDE UUUE ", with([](open_gui& application) {
+                  return script(application, smallMenu(), {7, 0});
               }));
 }
 
-// The main menu takes 2+2+2+3+4+2+2 keys, the legal one 2+2+2+3+2+2+2, the main one 6+7+2. Without
-// the emergency flash its 4 are left out, and 2 lines are one key farther apart.
 TEST_F(gui_test, QueuesTheScriptedWalkWithoutTouchingTheMenus) {
-    for (const auto& [status, expected] : {std::pair{0, "47 0 0 0"}, {55, "43 0 0 0"}}) {
+    for (const auto& [status, hasEmergencyFlash] : {std::pair{0, true}, {55, false}}) {
         package.let("varnflash", "exit " + std::to_string(status));
-        const auto walk = [](open_gui& application) {
-            return std::to_string(application.scriptedInputs.size()) + " " +
-                   selectedKeys(application);
-        };
-        EXPECT_EQ(expected, with(walk, true));
+        EXPECT_EQ(walkByTheTables(hasEmergencyFlash) + " 0 0 0",
+                  with(
+                      [](open_gui& application) {
+                          return confirmed(application) + selectedKeys(application);
+                      },
+                      true));
     }
 }

@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "app/gui.hpp"
+#include "harness/shown_menu.hpp"
 #include "harness/terminal_session.hpp"
 #include "harness/test_surroundings.hpp"
 #include "support/menu_exception.hpp"
@@ -162,7 +163,7 @@ TEST_F(one_press_test, CountsAtOnceAfterAnotherKey) {
 }
 
 TEST_F(one_press_test, AppliesToTheRebootToo) {
-    press("7");
+    press(mainScreen().key(main_menu::reboot));
     press("\r");
     press("\r");
     press("\r");
@@ -171,7 +172,7 @@ TEST_F(one_press_test, AppliesToTheRebootToo) {
 }
 
 TEST_F(one_press_test, HoldsUpNoDocument) {
-    press("5");
+    press(mainScreen().key(main_menu::readme));
     press("\r");
     press("\r");
     session->awaitKeyWait();
@@ -180,7 +181,7 @@ TEST_F(one_press_test, HoldsUpNoDocument) {
 
 // Some of its lines have the keys that flashes have in the main menu.
 TEST_F(one_press_test, HoldsUpNothingOfTheLegalMenu) {
-    press("6");
+    press(mainScreen().key(main_menu::legalDocuments));
     press("\r");
     session->awaitScreen("#LEGAL");
     press("1");
@@ -188,7 +189,7 @@ TEST_F(one_press_test, HoldsUpNothingOfTheLegalMenu) {
     press("\r");
     session->awaitKeyWait();
     EXPECT_EQ(2, runsOf("less ../eula_en.txt"));
-    press("6");
+    press(legalScreen().key(legal_menu::exit));
     press("\r");
     session->awaitScreen("Reboot Varn");
     press("\r");
@@ -196,7 +197,7 @@ TEST_F(one_press_test, HoldsUpNothingOfTheLegalMenu) {
 }
 
 TEST_F(one_press_test, HoldsUpNoExit) {
-    press("8");
+    press(mainScreen().key(main_menu::exit));
     press("x");
     press("\r");
     press("\r");

@@ -9,8 +9,13 @@ namespace {
 using pairs_t = std::vector<std::pair<int, int>>;
 using lines_t = std::vector<std::string>;
 
-const pairs_t readmePairs{{6, 0}};
-const pairs_t legalPairs{{2, 1}, {3, 2}, {4, 3}, {5, 4}, {7, 5}, {6, 6}};
+const pairs_t readmePairs{{6, doc_readme}};
+const pairs_t legalPairs{{2, doc_eula},
+                         {3, doc_licence_flashtools},
+                         {4, doc_licence_morv},
+                         {5, doc_licence_firmware},
+                         {7, doc_copyrights_centos},
+                         {6, doc_copyrights_debian}};
 
 class readtxt_test : public testing::Test {
 protected:
@@ -93,13 +98,13 @@ TEST_F(readtxt_test, RefusesUnknownKindsItemsAndDocuments) {
     EXPECT_EQ("Read file type not supported", failure(2, 2));
     EXPECT_EQ("Text file not supported", failure(2, text_readme));
     EXPECT_EQ("Text file not supported", failure(8, text_legal));
-    EXPECT_EQ("Text file is not defined", failure(2, text_legal, {{2, 7}}));
+    EXPECT_EQ("Text file is not defined", failure(2, text_legal, {{2, 99}}));
 }
 
 TEST_F(readtxt_test, KeepsTheFirstDocumentOfAMenuItem) {
     package.remove("CopyrightsCentOS");
     EXPECT_EQ("Text file is not present ../CopyrightsCentOS",
-              failure(2, text_legal, {{2, 5}, {2, 1}}));
+              failure(2, text_legal, {{2, doc_copyrights_centos}, {2, doc_eula}}));
 }
 
 TEST_F(readtxt_test, IgnoresTheReadersExitStatus) {

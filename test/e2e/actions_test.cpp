@@ -1,12 +1,13 @@
 #include <csignal>
 #include <ostream>
 
+#include "docs/document_table.hpp"
 #include "harness/tool_test.hpp"
 
 namespace {
 
 struct flash_case_t {
-    int number;
+    menu_item_t item;
     const char* message;
     const char* commandLine;
 };
@@ -31,7 +32,7 @@ protected:
 TEST_P(flash_entry_test, RunsTheCoreProgramOnTheTerminal) {
     package.let("varnflash", "print core program at work");
     startMenu();
-    choose(GetParam().number);
+    choose(mainScreen().number(GetParam().item));
     session->awaitScreen(GetParam().message);
     session->awaitScreen("core program at work");
     session->awaitKeyWait();
@@ -49,27 +50,32 @@ TEST_P(flash_entry_test, RunsTheCoreProgramOnTheTerminal) {
     EXPECT_EQ((std::set<int>{SIGHUP, SIGINT, SIGQUIT}), run.ignoredSignals);
 
     session->press("\r");
-    awaitMenu(std::to_string(GetParam().number));
+    awaitMenu(mainScreen().key(GetParam().item));
     EXPECT_FALSE(session->screen().contains("core program at work"));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Main, flash_entry_test,
-    testing::Values(flash_case_t{1, "Starting validation of inactive image, please wait...",
+    testing::Values(flash_case_t{main_menu::normalFlash,
+                                 "Starting validation of inactive image, please wait...",
                                  "./varnflash ../fw.bin /i /logDebug"},
-                    flash_case_t{2, "Preparing forced flash of 1st image, please wait...",
+                    flash_case_t{main_menu::forcedFlash1st,
+                                 "Preparing forced flash of 1st image, please wait...",
                                  "./varnflash ../fw.bin /f1 /logDebug"},
-                    flash_case_t{3, "Preparing forced flash of 2nd image, please wait...",
+                    flash_case_t{main_menu::forcedFlash2nd,
+                                 "Preparing forced flash of 2nd image, please wait...",
                                  "./varnflash ../fw.bin /f2 /logDebug"},
-                    flash_case_t{4, "Preparing emergency flash, please wait...",
+                    flash_case_t{main_menu::emergencyFlash,
+                                 "Preparing emergency flash, please wait...",
                                  "./varnflash ../fw.bin /emerg /logDebug"},
-                    flash_case_t{7, "Varn reboot pending, wait for boot to complete",
+                    flash_case_t{main_menu::reboot,
+                                 "Varn reboot pending, wait for boot to complete",
                                  "./varnflash /wr"}),
-    [](const auto& entry) { return "Number" + std::to_string(entry.param.number); });
+    [](const auto& entry) { return "Item" + std::to_string(entry.param.item); });
 
 TEST_F(document_entry_test, ShowsTheReadmeWithLessAndReturnsAtOnce) {
     startMenu();
-    show(5);
+    show(mainScreen().number(main_menu::readme));
     EXPECT_EQ((std::vector<std::string>{"./varnflash /ispfr", "which less", "clear",
                                         "less ../readme.txt"}),
               package.commandLines());
@@ -79,23 +85,33 @@ TEST_F(document_entry_test, ShowsTheReadmeWithLessAndReturnsAtOnce) {
     EXPECT_EQ(std::set<int>{}, reader.blockedSignals);
 }
 
-TEST_F(document_entry_test, ShowsEveryLegalDocumentAndReturnsToTheMainMenu) {
+// Documents stand in their table as their entries do in the menus, but for the last: no entry
+// offers the Debian copyrights.
+TEST_F(document_entry_test, ShowsEveryDocumentAndReturnsToTheMainMenu) {
+    std::vector<std::string> shown;
+    const auto showAll = [&](const shown_menu& menu, menu_item_t first, menu_item_t last) {
+        for (int number = menu.number(first); number <= menu.number(last); ++number) {
+            show(number);
+            shown.push_back(package.commandLines().back());
+        }
+    };
     startMenu();
-    choose(6);
+    showAll(mainScreen(), main_menu::readme, main_menu::legalDocuments - 1);
+    choose(mainScreen().number(main_menu::legalDocuments));
     session->awaitScreen("#LEGAL");
     awaitMenu();
-    const std::vector<std::string> documents{
-        "../eula_en.txt", "../ThirdPartyLicenseReadmeFlashtools.txt",
-        "../ThirdPartyLicenseReadme_MORV_API.txt", "../ThirdPartyLicenseReadmeFirmware.txt",
-        "../CopyrightsCentOS"};
-    for (int number = 1; number <= 5; ++number) {
-        show(number);
-        EXPECT_EQ("less " + documents.at(static_cast<std::size_t>(number - 1)),
-                  package.commandLines().back());
+    showAll(legalScreen(), legal_menu::eula, legal_menu::gapAfterDocuments - 1);
+    std::vector<std::string> expected;
+    for (const document_t& document : documentTable()) {
+        expected.push_back(std::string("less ") + document.path);
     }
-    choose(6);
+    EXPECT_EQ("less ../CopyrightsDebian", expected.back());
+    expected.pop_back();
+    EXPECT_EQ(expected, shown);
+
+    choose(legalScreen().number(legal_menu::exit));
     session->awaitScreen("Reboot Varn");
-    awaitMenu("6");  // "Legal Documents" is still highlighted
+    awaitMenu(mainScreen().key(main_menu::legalDocuments));  // still highlighted
     session->press("\r");
     session->awaitScreen("#LEGAL");
     awaitMenu();  // and the legal menu starts anew

@@ -40,7 +40,7 @@ TEST_F(closed_descriptors_test, OfOutputAreOpenInTheProgramsThatAreRun) {
     EXPECT_EQ("rw /run/varnmenu.lock", whileFlashing.rbegin()->second);
     EXPECT_EQ(4U, whileFlashing.size());
     session->press("\r");
-    const auto whileReading = carryOut("5", "less");
+    const auto whileReading = carryOut(mainScreen().key(main_menu::readme), "less");
     expectOpen(whileReading);
     EXPECT_EQ(3U, whileReading.size());
 }

@@ -64,8 +64,8 @@ protected:
     }
 
     bool isMenuAlone() const {
-        return session->screen().contains("[8] Exit") && !session->screen().contains("at work") &&
-               !session->screen().contains("[WARN]");
+        return session->screen().contains(mainScreen().text(main_menu::exit)) &&
+               !session->screen().contains("at work") && !session->screen().contains("[WARN]");
     }
 };
 

@@ -12,7 +12,7 @@ class ending_test : public tool_test {};
 TEST_F(ending_test, ExitGivesTheUsersAttributesBackExactly) {
     const termios before = pseudo_terminal(24, 80).attributes();
     startMenu();
-    choose(8);
+    choose(mainScreen().number(main_menu::exit));
     EXPECT_EQ(0, awaitEnd());
     EXPECT_EQ("Exitting program 'varnmenu' due to user normal exit\n", session->screen().text());
     expectTerminalRestored();

@@ -13,7 +13,7 @@ protected:
 TEST_F(failing_output_test, LeavesExitAsAWayOut) {
     session->press("x");
     session->press("\r");
-    session->press("8");
+    session->press(mainScreen().key(main_menu::exit));
     session->press("\r");
     EXPECT_EQ(0, awaitEnd());
     EXPECT_TRUE(session->terminal().isCooked());

@@ -14,13 +14,13 @@ class hostile_bytes_test : public tool_test {
 protected:
     void startAtReadme() {
         startMenu();
-        moveTo("5");
+        moveTo(readme);
         menu = session->screen().text();
     }
 
     /// Types the byte and expects the warning that a user has to confirm.
     void expectWarning(const std::string& keys) {
-        const bool isDigit = keys == "0" || keys == "9";
+        const bool isDigit = keys.size() == 1 && keys >= "0" && keys <= "9";
         session->press(keys);
         session->awaitScreen(isDigit
                                  ? "[WARN] Wrong selection, please provide valid number : " + keys
@@ -32,14 +32,14 @@ protected:
 
     /// The menu is as if nothing had been typed.
     void expectMenu(const std::string& keys) {
-        awaitMenu("5");
+        awaitMenu(readme);
         EXPECT_EQ(menu, session->screen().text()) << "byte " << static_cast<int>(keys.back());
     }
 
     void expectMove(int byte) {
         const std::string digit(1, static_cast<char>(byte));
         moveTo(digit);
-        session->press("5");
+        session->press(readme);
         expectMenu(digit);
     }
 
@@ -47,7 +47,7 @@ protected:
         const std::size_t before = package.runs().size();
         session->press(std::string(1, static_cast<char>(byte)));
         session->await([&] { return package.runs().size() > before; }, "the reader");
-        awaitMenu("5");
+        awaitMenu(readme);
         EXPECT_EQ("less ../readme.txt", package.commandLines().back());
     }
 
@@ -57,7 +57,7 @@ protected:
     }
 
     void expectOwnResult(int byte) {
-        if (byte >= '1' && byte <= '8') {
+        if (byte >= '1' && byte <= '0' + mainScreen().lastNumber()) {
             expectMove(byte);
         } else if (byte == '\f') {
             expectRedrawing(byte);
@@ -68,6 +68,7 @@ protected:
         }
     }
 
+    const std::string readme = mainScreen().key(main_menu::readme);
     std::string menu;
 };
 

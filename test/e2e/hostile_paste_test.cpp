@@ -20,11 +20,12 @@ constexpr char goOn = '\x11';
 /// and the number of "Exit", which an ENTER may follow. A Ctrl-S is followed by a Ctrl-Q: with its
 /// output stopped the program reads no more, and nothing gets through a full queue.
 std::string randomBytes(unsigned seed) {
+    const char exit = mainScreen().key(main_menu::exit).front();
     std::mt19937 generator(seed);
     std::string bytes;
     while (bytes.size() < pastedBytes) {
         const char byte = static_cast<char>(generator() & 0xff);
-        if (byte != endOfText && byte != '8') {
+        if (byte != endOfText && byte != exit) {
             bytes += byte;
         }
         if (byte == halt) {
@@ -84,7 +85,7 @@ protected:
             if (!isMenuShown()) {
                 session->press("\r");
             } else if (session->screen().contains("#LEGAL")) {
-                choose(6);
+                choose(legalScreen().number(legal_menu::exit));
             } else {
                 return;
             }
@@ -95,9 +96,9 @@ protected:
     /// A Ctrl-S at the very moment when the kernel passes a line feed on to a pseudo-terminal
     /// swallows the line feed: what was drawn while the bytes came may be one line too high.
     void drawAnew() {
-        choose(6);
+        choose(mainScreen().number(main_menu::legalDocuments));
         session->awaitScreen("#LEGAL");
-        choose(6);
+        choose(legalScreen().number(legal_menu::exit));
         session->await([this] { return !session->screen().contains("#LEGAL"); }, "the main menu");
     }
 

@@ -11,17 +11,19 @@ struct state_t {
     const char* name;
     std::vector<std::string> keys;
     const char* text;        ///< what is on the screen by then
-    const char* following;   ///< the menu's number when all is over
+    std::string following;   ///< the menu's number when all is over
     std::string child = "";  ///< the program that is running, if one is
     bool isEvaluation = false;
 };
+
+const std::string readme = mainScreen().key(main_menu::readme);
 
 const auto everyState = testing::Values(
     state_t{"Menu", {}, "> 1", "1"}, state_t{"Warning", {"0"}, "Press ENTER to cont", "1"},
     state_t{"Flash", {"2", "\r"}, "at work", "2", "varnflash"},
     state_t{"FlashWait", {"2", "\r"}, "written", "2"},
-    state_t{"Pager", {"5", "\r"}, "at work", "5", "more"},
-    state_t{"PagerWait", {"5", "\r"}, "Press ENTER to close", "5"},
+    state_t{"Pager", {readme, "\r"}, "at work", readme, "more"},
+    state_t{"PagerWait", {readme, "\r"}, "Press ENTER to close", readme},
     state_t{"EvaluationPause", {}, "inactive image, please wait", "", "", true});
 
 struct event_t {

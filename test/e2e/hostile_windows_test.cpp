@@ -43,14 +43,17 @@ protected:
         step("3", "> 3");
         step("x", "Press ENTER to continue...");
         step("\r", "> 3");
-        step("6", "> 6");
+        const std::string legal = mainScreen().key(main_menu::legalDocuments);
+        step(legal, "> " + legal);
         step("\r", "#LEGAL");
         step("\x1b[B", "> 1");
         step("0", "Press ENTER to continue...");
         step("\r", "> 1");
-        step("6", "> 6");
+        const std::string legalExit = legalScreen().key(legal_menu::exit);
+        step(legalExit, "> " + legalExit);
         step("\r", "Reboot Varn");
-        step("8", "> 8");
+        const std::string exit = mainScreen().key(main_menu::exit);
+        step(exit, "> " + exit);
     }
 
     /// Lets the program clear the screen and draw everything anew.
@@ -99,22 +102,23 @@ TEST_F(unemulated_window_test, TooSmallEitherWayIsClearedForEveryDrawing) {
 
 // A serial line does not tell its size: what is on the screen is trusted to be whole.
 TEST_F(unemulated_window_test, OfUnknownSizeIsDrawnOverInPlace) {
-    const std::string drawnOver =
-        "\x1b"
-        "7\r\x1b[";
+    const auto drawnOver = [](const shown_menu& menu) {
+        return "\x1b"
+               "7\r\x1b[" +
+               std::to_string(menu.rowCount()) + "A";
+    };
     startIn(0, 0);
     press("\x1b[B", "> 1");
-    EXPECT_TRUE(lastOutput().starts_with(drawnOver + "14A")) << lastOutput();
-    press("6", "> 6");
+    EXPECT_TRUE(lastOutput().starts_with(drawnOver(mainScreen()))) << lastOutput();
+    press(mainScreen().key(main_menu::legalDocuments), "> ");
     press("\r", "#LEGAL");
     press("3", "> 3");
-    EXPECT_TRUE(lastOutput().starts_with(drawnOver + "12A")) << lastOutput();
+    EXPECT_TRUE(lastOutput().starts_with(drawnOver(legalScreen()))) << lastOutput();
     press("x", "Press ENTER to continue...");
     press("\r", "> 3");
     press("\x1bOA", "> 2");
-    EXPECT_TRUE(lastOutput().starts_with(drawnOver + "12A")) << lastOutput();
-    EXPECT_EQ("> 2", session->screen().row(9));
-    EXPECT_EQ("", session->screen().row(12));
+    EXPECT_TRUE(lastOutput().starts_with(drawnOver(legalScreen()))) << lastOutput();
+    EXPECT_EQ(legalScreen().rows("2"), session->screen().rows());
 }
 
 // Where a control character in a release value leads a terminal, only the terminal knows.
@@ -125,12 +129,12 @@ TEST_F(windows_test, WithAControlCharacterAreClearedForEveryDrawing) {
                                                          "\nSYSTEM=RX\nIMAGE_NAME=fw.bin\n");
         start();
         press("\x1b[B", "> 1");
-        press("8", "> ");
+        press(mainScreen().key(main_menu::exit), "> ");
         EXPECT_TRUE(lastOutput().starts_with(clearSequence)) << lastOutput();
         const std::string seen = session->screen().picture();
         EXPECT_EQ(freshPicture(24, 80), seen);
         awaitDrawing([this] { session->terminal().resize(0, 0); });
-        press("7", "> ");
+        press(mainScreen().key(main_menu::reboot), "> ");
         EXPECT_TRUE(lastOutput().starts_with(clearSequence)) << lastOutput();
     }
 }

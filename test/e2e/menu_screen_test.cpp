@@ -2,28 +2,6 @@
 
 namespace {
 
-using rows_t = std::vector<std::string>;
-
-const rows_t mainMenu{"       This tool will update Varn FW --> Rel. 2.41",
-                      "[1] Normal Flash of inactive Image with version validation",
-                      "[2] Forced Normal Flash of 1st Image",
-                      "[3] Forced Normal Flash of 2nd Image",
-                      "[4] Emergency Flash of both Images",
-                      "",
-                      "[5] Readme",
-                      "[6] Legal Documents",
-                      "",
-                      "[7] Reboot Varn",
-                      "[8] Exit",
-                      ">",
-                      "Varn-FW: 2.41  SDRR: 3.07  for RX 2540",
-                      "(c) 2026 Varn Firmware Tools"};
-
-rows_t withPrompt(rows_t rows, const std::string& prompt) {
-    rows[rows.size() - 3] = prompt;
-    return rows;
-}
-
 class menu_screen_test : public tool_test {
 protected:
     /// @return first and last column of the cells in reverse video, and their row
@@ -40,6 +18,14 @@ protected:
             }
         }
         return all;
+    }
+
+    /// @return what reversed() is when this entry is highlighted
+    static std::string textOf(const shown_menu& menu, menu_item_t item) {
+        const std::string row = std::to_string(menu.row(item));
+        const std::size_t numberPrefix = 4;  // "[5] "
+        return row + "," + std::to_string(numberPrefix) + " " + row + "," +
+               std::to_string(menu.text(item).size() - 1);
     }
 
     /// Everything in the row has these colours and weight, from the first column to the last.
@@ -59,7 +45,7 @@ protected:
 
 TEST_F(menu_screen_test, ShowsTheMainMenu) {
     startMenu();
-    EXPECT_EQ(mainMenu, session->screen().rows());
+    EXPECT_EQ(mainScreen().rows(), session->screen().rows());
     EXPECT_FALSE(session->screen().isCursorVisible());
     EXPECT_FALSE(session->terminal().isCooked());
     EXPECT_EQ("", reversed());
@@ -69,32 +55,30 @@ TEST_F(menu_screen_test, ShowsTheMainMenusColours) {
     startMenu();
     expectStyle(0, 56, 7, 4, true);  // 43 characters between seven blanks on each side
     expectStyle(1, 57, -1, -1, false);
-    expectStyle(11, 1, -1, -1, true);
-    expectStyle(12, 37, 1, -1, false);
-    expectStyle(13, 27, 4, -1, false);
+    expectStyle(mainScreen().row(main_menu::prompt), 1, -1, -1, true);
+    expectStyle(mainScreen().row(main_menu::information), 37, 1, -1, false);
+    expectStyle(mainScreen().row(main_menu::notice), 27, 4, -1, false);
 }
 
 TEST_F(menu_screen_test, ShowsNoEmergencyFlashWhenTheCoreProgramSaysSo) {
     package.let("varnflash", "exit 55");
     startMenu();
-    rows_t expected = mainMenu;
-    expected.erase(expected.begin() + 4);
-    for (const auto& [row, number] : {std::pair{5, 4}, {6, 5}, {8, 6}, {9, 7}}) {
-        expected[static_cast<std::size_t>(row)].replace(1, 1, std::to_string(number));
-    }
-    EXPECT_EQ(expected, session->screen().rows());
-    moveTo("4");
-    EXPECT_EQ("5,4 5,9", reversed());  // "Readme"
+    menu_elem_t menu = makeMainMenu();
+    menu.lines.erase(main_menu::emergencyFlash);
+    const shown_menu expected(menu);
+    EXPECT_EQ(expected.rows(), session->screen().rows());
+    moveTo(expected.key(main_menu::readme));
+    EXPECT_EQ(textOf(expected, main_menu::readme), reversed());
 }
 
 TEST_F(menu_screen_test, HighlightsTheTextAfterTheNumber) {
     startMenu();
     moveTo("3");
-    EXPECT_EQ(withPrompt(mainMenu, "> 3"), session->screen().rows());
+    EXPECT_EQ(mainScreen().rows("3"), session->screen().rows());
     EXPECT_EQ("3,4 3,35", reversed());
-    expectStyle(11, 2, -1, -1, true);
-    moveTo("8");
-    EXPECT_EQ("10,4 10,7", reversed());
+    expectStyle(mainScreen().row(main_menu::prompt), 2, -1, -1, true);
+    moveTo(mainScreen().key(main_menu::exit));
+    EXPECT_EQ(textOf(mainScreen(), main_menu::exit), reversed());
 }
 
 TEST_F(menu_screen_test, MovesTheHighlightWithArrowKeysOfBothForms) {
@@ -107,34 +91,40 @@ TEST_F(menu_screen_test, MovesTheHighlightWithArrowKeysOfBothForms) {
     press("\x1bOB", "2");
     press("\x1b[A", "1");
     press("\x1bOA", "1");  // no wrap-around
-    press("8", "8");
-    press("\x1b[B", "8");
-    press("\x1bOA", "7");
-    press("\x1b[A", "6");  // across the blank line
-    EXPECT_EQ("7,4 7,18", reversed());
+    const std::string last = mainScreen().key(main_menu::exit);
+    press(last, last);
+    press("\x1b[B", last);
+    press("\x1bOA", mainScreen().key(main_menu::reboot));
+    press("\x1b[A", mainScreen().key(main_menu::legalDocuments));  // across the blank line
+    EXPECT_EQ(textOf(mainScreen(), main_menu::legalDocuments), reversed());
 }
 
 // Where a line ends exactly at the margin, some terminals wrap and some do not; and after the last
 // row a line feed scrolls.
 TEST_F(menu_screen_test, RedrawsInPlaceWhereTheWindowIsLargeEnough) {
+    const int menuRows = mainScreen().rowCount();
+    const std::string drawnOver =
+        "\x1b"
+        "7\r\x1b[" +
+        std::to_string(menuRows) + "A";
     struct window_t {
         int rows;
         int columns;
         bool isLargeEnough;
     };
-    for (const auto& [rows, columns, isLargeEnough] :
-         {window_t{15, 80, true}, {14, 80, false}, {24, 59, true}, {24, 58, false}}) {
+    for (const auto& [rows, columns, isLargeEnough] : {window_t{menuRows + 1, 80, true},
+                                                       {menuRows, 80, false},
+                                                       {24, 59, true},
+                                                       {24, 58, false}}) {
         startMenu(rows, columns);
         const std::size_t before = session->output().size();
         session->press("2");
         awaitMenu("2");
         const std::string redraw = session->output().substr(before);
-        EXPECT_TRUE(redraw.starts_with(isLargeEnough ? "\x1b"
-                                                       "7\r\x1b[14A"
-                                                     : "\x1b[H\x1b[2J"))
+        EXPECT_TRUE(redraw.starts_with(isLargeEnough ? drawnOver : "\x1b[H\x1b[2J"))
             << rows << "x" << columns << redraw;
-        rows_t expected = withPrompt(mainMenu, "> 2");
-        expected.erase(expected.begin(), expected.begin() + (rows < 15 ? 1 : 0));
+        std::vector<std::string> expected = mainScreen().rows("2");
+        expected.erase(expected.begin(), expected.begin() + (rows > menuRows ? 0 : 1));
         EXPECT_EQ(expected, session->screen().rows());
     }
 }
@@ -145,8 +135,7 @@ TEST_F(menu_screen_test, DrawsWithOneWrite) {
     session->press("1");
     awaitMenu("1");
     EXPECT_EQ(before + 1, writeCalls(session->process()));
-    session->press("6");
-    awaitMenu("6");
+    moveTo(mainScreen().key(main_menu::legalDocuments));
     const long atLegal = writeCalls(session->process());
     session->press("\r");  // clear screen and menu in one
     session->awaitScreen("#LEGAL");
@@ -170,7 +159,7 @@ TEST_F(menu_screen_test, DrawsAnewWhatAMessageHasOverwritten) {
 
 TEST_F(menu_screen_test, WaitsForAKeyWithoutUsingTheProcessor) {
     startMenu();
-    moveTo("8");
+    moveTo("1");
     expectIdle();
 }
 
@@ -180,7 +169,7 @@ TEST_F(menu_screen_test, ShowsTheMenuOnOtherTerminals) {
         startMenu();
         session->press("\x1b[B");
         awaitMenu("1");
-        EXPECT_EQ(withPrompt(mainMenu, "> 1"), session->screen().rows()) << terminal;
+        EXPECT_EQ(mainScreen().rows("1"), session->screen().rows()) << terminal;
         EXPECT_EQ("1,4 1,57", reversed()) << terminal;
     }
 }

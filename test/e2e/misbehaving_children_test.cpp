@@ -12,7 +12,7 @@ enum class enter_t { never, unless_killed, always };
 /// A program that the menu runs on the terminal.
 struct child_row_t {
     const char* name;
-    const char* number;  ///< of its line
+    menu_item_t item;  ///< of its line
     enter_t awaitsEnter;
 };
 
@@ -27,7 +27,7 @@ protected:
         }
         startMenu();
         package.let(GetParam().name, steps);
-        moveTo(GetParam().number);
+        moveTo(mainScreen().key(GetParam().item));
         menu = session->screen().picture();
         runsBefore = package.runs().size();
         session->press("\r");
@@ -65,11 +65,11 @@ private:
     }
 
     void expectMenu() {
-        awaitMenu(GetParam().number);
+        awaitMenu(mainScreen().key(GetParam().item));
         EXPECT_EQ(menu, session->screen().picture());
         EXPECT_FALSE(session->screen().isCursorVisible());
         expectOwnMode();
-        moveTo("8");
+        moveTo(mainScreen().key(main_menu::exit));
     }
 
     void expectOwnMode() const {
@@ -139,9 +139,10 @@ TEST_P(misbehaving_child_test, FloodsTheTerminal) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Child, misbehaving_child_test,
-                         testing::Values(child_row_t{"varnflash", "1", enter_t::unless_killed},
-                                         child_row_t{"less", "5", enter_t::never},
-                                         child_row_t{"more", "5", enter_t::always}),
+                         testing::Values(child_row_t{"varnflash", main_menu::normalFlash,
+                                                     enter_t::unless_killed},
+                                         child_row_t{"less", main_menu::readme, enter_t::never},
+                                         child_row_t{"more", main_menu::readme, enter_t::always}),
                          [](const auto& row) { return row.param.name; });
 
 TEST_F(core_program_test, IsReplacedOrRemovedOrMadeUnusable) {

@@ -76,7 +76,7 @@ TEST_F(one_flash_test, IsAtWorkInOneMenu) {
     startFlash();
     startSecondMenu();
     expectRefused(2);
-    expectRefused(7);
+    expectRefused(mainScreen().number(main_menu::reboot));
     package.letGo();
     first->awaitScreen("work done");
     first->awaitKeyWait();
@@ -117,7 +117,7 @@ TEST_F(one_flash_test, LocksNothingAfterwards) {
     session->press("\r");
     awaitMenu("1");
     package.hold("less");
-    choose(5);
+    choose(mainScreen().number(main_menu::readme));
     session->awaitScreen("at work");
     startSecondMenu();
     expectFlash();

@@ -16,10 +16,17 @@ protected:
     }
 
     /// Carries out an entry of the main menu up to the core program's last line.
-    void flash(int number, const std::string& lastLine) {
-        choose(number);
+    void flash(menu_item_t item, const std::string& lastLine) {
+        choose(mainScreen().number(item));
         session->awaitScreen(lastLine);
         session->press("\r");
+        awaitMenu(mainScreen().key(item));
+    }
+
+    void show(int number, const std::string& title) {
+        choose(number);
+        session->awaitScreen(title);
+        session->type("q");
         awaitMenu(std::to_string(number));
     }
 };
@@ -29,14 +36,14 @@ protected:
 TEST_F(simulated_package_test, FlashesTheInactiveImageAndRebootsIntoIt) {
     startMenu();
     EXPECT_EQ("       This tool will update Varn FW --> Rel. 2.41", session->screen().row(0));
-    flash(1, "Done. Image 2 becomes active");
+    flash(main_menu::normalFlash, "Done. Image 2 becomes active");
     EXPECT_NE(std::string::npos, session->output().find("SIMULATION: no hardware is written."));
     EXPECT_NE(std::string::npos, session->output().find("Verifying 100%"));
     EXPECT_TRUE(stateHolds("release2=2.41"));
     EXPECT_TRUE(stateHolds("release1=2.10"));
     EXPECT_TRUE(stateHolds("active=1"));
 
-    flash(7, "The Varn is up. Active image: 2");
+    flash(main_menu::reboot, "The Varn is up. Active image: 2");
     EXPECT_TRUE(stateHolds("active=2"));
 
     choose(1);
@@ -45,16 +52,16 @@ TEST_F(simulated_package_test, FlashesTheInactiveImageAndRebootsIntoIt) {
 
 TEST_F(simulated_package_test, FlashesEachImageByForce) {
     startMenu();
-    flash(2, "Done. Image 1 becomes active");
+    flash(main_menu::forcedFlash1st, "Done. Image 1 becomes active");
     EXPECT_TRUE(stateHolds("release1=2.41"));
     EXPECT_TRUE(stateHolds("release2=2.10"));
-    flash(3, "Done. Image 2 becomes active");
+    flash(main_menu::forcedFlash2nd, "Done. Image 2 becomes active");
     EXPECT_TRUE(stateHolds("release2=2.41"));
 }
 
 TEST_F(simulated_package_test, FlashesBothImagesInAnEmergency) {
     startMenu();
-    flash(4, "Done. Image 1 becomes active");
+    flash(main_menu::emergencyFlash, "Done. Image 1 becomes active");
     EXPECT_TRUE(stateHolds("release1=2.41"));
     EXPECT_TRUE(stateHolds("release2=2.41"));
 }
@@ -68,20 +75,15 @@ TEST_F(simulated_package_test, SaysWhatIsWrongWithAnImage) {
 
 TEST_F(simulated_package_test, ShowsItsDocumentsWithTheSystemsPager) {
     startMenu();
-    choose(5);
-    session->awaitScreen("README: Varn firmware package 2.41 (simulated)");
-    session->type("q");
-    awaitMenu("5");
-    choose(6);
+    show(mainScreen().number(main_menu::readme), "README: Varn firmware package 2.41 (simulated)");
+    choose(mainScreen().number(main_menu::legalDocuments));
     session->awaitScreen("#LEGAL");
-    for (const auto& [number, title] : {std::pair{1, "END USER LICENCE"},
-                                        {2, "FLASH TOOLS"},
-                                        {3, "MORV LIBRARY"},
-                                        {4, "THIRD PARTY LICENCES: FIRMWARE"},
-                                        {5, "COPYRIGHTS"}}) {
-        choose(number);
-        session->awaitScreen(title);
-        session->type("q");
-        awaitMenu(std::to_string(number));
+    for (const auto& [item, title] :
+         {std::pair{legal_menu::eula, "END USER LICENCE"},
+          {legal_menu::licenceFlashtools, "FLASH TOOLS"},
+          {legal_menu::licenceMorv, "MORV LIBRARY"},
+          {legal_menu::licenceFirmware, "THIRD PARTY LICENCES: FIRMWARE"},
+          {legal_menu::copyrightsCentos, "COPYRIGHTS"}}) {
+        show(legalScreen().number(item), title);
     }
 }

@@ -7,9 +7,10 @@ protected:
     /// The warning stands two lines below the menu, above its prompt; ENTER brings the menu back.
     void expectWarning(const std::string& text, const std::string& promptNumber = "") {
         awaitEnterPrompt();
-        EXPECT_EQ("", session->screen().row(15));
-        EXPECT_EQ("[WARN] " + text, session->screen().row(16));
-        EXPECT_EQ("Press ENTER to continue...", session->screen().row(17));
+        const int menuEnd = mainScreen().rowCount();
+        EXPECT_EQ("", session->screen().row(menuEnd + 1));
+        EXPECT_EQ("[WARN] " + text, session->screen().row(menuEnd + 2));
+        EXPECT_EQ("Press ENTER to continue...", session->screen().row(menuEnd + 3));
         session->press("x");
         session->press("\r");
         awaitMenu(promptNumber);
@@ -32,8 +33,12 @@ protected:
 
 TEST_F(warnings_test, RefuseNumbersThatNoLineHas) {
     startMenu();
-    session->press("9");
-    expectWarning("Wrong selection, please provide valid number : 9");
+    session->press("0");
+    expectWarning("Wrong selection, please provide valid number : 0");
+    for (int number = mainScreen().lastNumber() + 1; number <= 9; ++number) {
+        session->press(std::to_string(number));
+        expectWarning("Wrong selection, please provide valid number : " + std::to_string(number));
+    }
 }
 
 TEST_F(warnings_test, RefuseOtherKeys) {
@@ -58,7 +63,7 @@ TEST_F(warnings_test, TellThatAFreshMenuHasNothingToConfirm) {
     startMenu();
     session->press("\r");
     expectWarning("Flashtools operation not supported");
-    choose(6);
+    choose(mainScreen().number(main_menu::legalDocuments));
     session->awaitScreen("#LEGAL");
     session->press("\r");
     session->awaitScreen("[WARN] Text file not supported");

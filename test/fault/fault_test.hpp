@@ -37,7 +37,9 @@ protected:
     /// turns.
     /// @return exit status as a shell counts
     int walk() {
-        std::vector<std::string> choices{"8", "1", "5"};
+        std::vector<std::string> choices{mainScreen().key(main_menu::exit),
+                                         mainScreen().key(main_menu::normalFlash),
+                                         mainScreen().key(main_menu::readme)};
         std::string before;
         bool isEnterNext = false;
         for (int keys = 0; keys < mostKeys && session->awaitKeyWaitOrEnd(); ++keys) {

@@ -11,7 +11,8 @@
 namespace {
 
 using pairs_t = std::vector<std::pair<int, int>>;
-const pairs_t menuPairs{{1, 0}, {2, 1}, {3, 2}, {4, 3}, {9, 4}};
+const pairs_t menuPairs{
+    {1, op_inactive}, {2, op_force_1st}, {3, op_force_2nd}, {4, op_emergency}, {9, op_reboot}};
 
 /// The image's name has a blank: nothing keeps its two words together.
 class flashtools_test : public testing::Test {
@@ -77,14 +78,14 @@ TEST_F(flashtools_test, ShowsTheOutputAndDoesNotJudgeTheExitStatus) {
 }
 
 TEST_F(flashtools_test, RefusesMenuItemsWithoutOperation) {
-    flashtools tools(false, {{1, 0}, {7, 8}});
+    flashtools tools(false, {{1, op_inactive}, {7, 99}});
     EXPECT_EQ("Flashtools operation not supported", failure(tools, 0));
     EXPECT_EQ("Flashtools operation not supported", failure(tools, 5));
     EXPECT_EQ("Flashtools operation not defined", failure(tools, 7));
 }
 
 TEST_F(flashtools_test, KeepsTheFirstOperationOfAMenuItem) {
-    flashtools tools(false, {{1, 4}, {1, 0}});
+    flashtools tools(false, {{1, op_reboot}, {1, op_inactive}});
     output(tools, 1);
     EXPECT_EQ("./varnflash /wr", package.commandLines().at(0));
 }

@@ -9,6 +9,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "docs/document_table.hpp"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -93,11 +95,9 @@ package_folder::package_folder() : folder(makeTemporaryFolder()) {
     fs::create_directory(programs());
     write("releasefile-information.txt", properReleaseInformation());
     write("fw.bin", "image\n");
-    for (const char* document :
-         {"readme.txt", "eula_en.txt", "ThirdPartyLicenseReadmeFlashtools.txt",
-          "ThirdPartyLicenseReadme_MORV_API.txt", "ThirdPartyLicenseReadmeFirmware.txt",
-          "CopyrightsCentOS", "CopyrightsDebian"}) {
-        write(document, std::string("text of ") + document + "\n");
+    for (const document_t& document : documentTable()) {
+        const std::string name = fs::path(document.path).filename();
+        write(name, "text of " + name + "\n");
     }
     addStandIn(tool() / "varnflash");
     for (const char* program : {"which", "clear", "less", "more", "cat"}) {

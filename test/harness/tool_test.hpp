@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "harness/package_folder.hpp"
+#include "harness/shown_menu.hpp"
 #include "harness/terminal_session.hpp"
 
 /// A user without any rights, as Debian has one.
