@@ -136,10 +136,15 @@ int stream::discardTyped(const input_watch& keyboard, bool (*callsForQuiet)(int 
         }
     };
     // A signal is no end of quiet, however many come in.
-    const std::function<bool()> ignoreSignals = [] { return true; };
+    const std::function<bool()> settle = [this] {
+        if (settleBeforeWait) {
+            settleBeforeWait();
+        }
+        return true;
+    };
     takeWaitingBytes(discard);
     while ((callsForQuiet(enterCount) || sequence.isUnfinished()) &&
-           keyboard.waitReadable(gapMilliseconds, ignoreSignals) && takeWaitingBytes(discard)) {
+           keyboard.waitReadable(gapMilliseconds, settle) && takeWaitingBytes(discard)) {
     }
     return enterCount;
 }
