@@ -18,9 +18,27 @@ else()
     add_link_options(-pie)
 endif()
 
+# A release is hardened. Another kind of build takes what its builder asks for.
+include(CheckCXXCompilerFlag)
+include(CheckCXXSourceCompiles)
+set(hardening -fstack-protector-strong -D_GLIBCXX_ASSERTIONS -U_FORTIFY_SOURCE)
+set(CMAKE_REQUIRED_FLAGS "-O2 -Werror -D_FORTIFY_SOURCE=3")
+check_cxx_source_compiles("#include <cstring>\nint main() {}" COMPILER_KNOWS_FORTIFY_SOURCE_3)
+unset(CMAKE_REQUIRED_FLAGS)
+if(COMPILER_KNOWS_FORTIFY_SOURCE_3)
+    list(APPEND hardening -D_FORTIFY_SOURCE=3)
+else()
+    list(APPEND hardening -D_FORTIFY_SOURCE=2)
+endif()
+# The last two are for one processor each.
+foreach(flag -fstack-clash-protection -fcf-protection -mbranch-protection=standard)
+    string(MAKE_C_IDENTIFIER COMPILER_KNOWS${flag} known)
+    check_cxx_compiler_flag(${flag} ${known})
+    if(${known})
+        list(APPEND hardening ${flag})
+    endif()
+endforeach()
+
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
-add_compile_options($<$<CONFIG:Release>:-fstack-protector-strong>
-                    $<$<CONFIG:Release>:-U_FORTIFY_SOURCE> $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>
-                    $<$<CONFIG:Release>:-ffunction-sections> $<$<CONFIG:Release>:-fdata-sections>)
-add_link_options($<$<CONFIG:Release>:-Wl,-z,relro,-z,now> $<$<CONFIG:Release>:-Wl,--gc-sections>
-                 $<$<CONFIG:Release>:-s>)
+add_compile_options("$<$<CONFIG:Release>:${hardening};-ffunction-sections;-fdata-sections>")
+add_link_options("$<$<CONFIG:Release>:-Wl,-z,relro,-z,now,-z,separate-code;-Wl,--gc-sections;-s>")
