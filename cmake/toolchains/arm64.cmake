@@ -4,4 +4,13 @@ set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
 set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64-static -L /usr/aarch64-linux-gnu)
+
+# The cross compiler brings libraries that get no security updates. Those of the architecture itself get
+# them; where they are not installed, the compiler's own are found.
+execute_process(COMMAND ${CMAKE_CXX_COMPILER} -dumpversion OUTPUT_VARIABLE version
+                OUTPUT_STRIP_TRAILING_WHITESPACE)
+set(CMAKE_EXE_LINKER_FLAGS_INIT "")
+foreach(folder /usr/lib/aarch64-linux-gnu /usr/lib/gcc/aarch64-linux-gnu/${version})
+    string(APPEND CMAKE_EXE_LINKER_FLAGS_INIT " -B${folder} -L${folder}")
+endforeach()
 set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)

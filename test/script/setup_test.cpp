@@ -16,6 +16,7 @@ protected:
         addProgram("dpkg-query", R"(test -n "$INSTALLED" && echo "installed all $INSTALLED")");
         addProgram("apt-cache", R"(echo "  Candidate: $ON_OFFER")");
         addProgram("apt-get", R"(echo "apt-get $*")");
+        addProgram("dpkg", R"(test "$1" = --add-architecture || exec /usr/bin/dpkg "$@")");
     }
 
     outcome_t setUp(const std::vector<std::string>& purposes) const {
@@ -35,15 +36,14 @@ protected:
         return begin == std::string::npos ? "" : all.substr(begin, all.size() - begin - 1) + " ";
     }
 
-    package_folder folder;
-    std::map<std::string, std::string> environment{
-        {"PATH", folder.programs().string() + ":/usr/bin:/bin"}, {"ON_OFFER", "3.25.1"}};
-
-private:
     void addProgram(const std::string& name, const std::string& text) const {
         std::ofstream(folder.programs() / name) << "#!/bin/sh\n" << text << "\n";
         fs::permissions(folder.programs() / name, fs::perms(0755));
     }
+
+    package_folder folder;
+    std::map<std::string, std::string> environment{
+        {"PATH", folder.programs().string() + ":/usr/bin:/bin"}, {"ON_OFFER", "3.25.1"}};
 };
 
 bool hasWord(const std::string& text, const std::string& word) {
@@ -75,6 +75,18 @@ TEST_F(setup_test, InstallsWhatThePurposesBelowNeed) {
 TEST_F(setup_test, ReplacesAVersionThatIsTooOld) {
     environment["INSTALLED"] = "3.18.4";
     EXPECT_TRUE(installed({"build"}).ends_with(" cmake ")) << installed({"build"});
+}
+
+TEST_F(setup_test, InstallsTheFirstPackageOfSeveralThatIsOnOffer) {
+    addProgram("apt-cache",
+               R"(test "$2" = libstdc++-14-dev:arm64 || echo "  Candidate: $ON_OFFER")");
+    const std::string cross = installed({"cross-arm64"});
+    EXPECT_TRUE(hasWord(cross, "libstdc++-12-dev:arm64")) << cross;
+    EXPECT_FALSE(hasWord(cross, "libstdc++-14-dev:arm64")) << cross;
+    addProgram("apt-cache", R"(echo "  Candidate: $ON_OFFER")");
+    const std::string newer = installed({"cross-arm64"});
+    EXPECT_TRUE(hasWord(newer, "libstdc++-14-dev:arm64")) << newer;
+    EXPECT_FALSE(hasWord(newer, "libstdc++-12-dev:arm64")) << newer;
 }
 
 TEST_F(setup_test, SaysWhatThisSystemCannotInstall) {
