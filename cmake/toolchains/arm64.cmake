@@ -9,7 +9,6 @@ set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64-static -L /usr/aarch64-linux-gnu)
 # them; where they are not installed, the compiler's own are found.
 execute_process(COMMAND ${CMAKE_CXX_COMPILER} -dumpversion OUTPUT_VARIABLE version
                 OUTPUT_STRIP_TRAILING_WHITESPACE)
-set(CMAKE_EXE_LINKER_FLAGS_INIT "")
 foreach(folder /usr/lib/aarch64-linux-gnu /usr/lib/gcc/aarch64-linux-gnu/${version})
-    string(APPEND CMAKE_EXE_LINKER_FLAGS_INIT " -B${folder} -L${folder}")
+    add_link_options(-B${folder} -L${folder})
 endforeach()
