@@ -11,7 +11,7 @@ constexpr std::array documents{
     document_t{doc_licence_morv, "../ThirdPartyLicenseReadme_MORV_API.txt"},
     document_t{doc_licence_firmware, "../ThirdPartyLicenseReadmeFirmware.txt"},
     document_t{doc_copyrights_centos, "../CopyrightsCentOS"},
-    document_t{doc_copyrights_debian, "../CopyrightsDebian"},
+    document_t{doc_copyrights_debian, "../CopyrightsDebian", true},
 };
 
 }  // namespace

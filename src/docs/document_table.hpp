@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 /// The documents of a package.
 enum doc_id_t : std::int32_t {
@@ -17,7 +18,11 @@ enum doc_id_t : std::int32_t {
 /// Where a document lies.
 struct document_t {
     doc_id_t id;
-    const char* path;  ///< from the tool's folder
+    const char* path;         ///< from the tool's folder
+    bool isOptional = false;  ///< a package may lack it, as no menu offers it
+
+    /// @return the path in the package
+    std::string_view fileName() const { return std::string_view(path).substr(sizeof "../" - 1); }
 };
 
 /// @return all documents, in the order of their entries in the menus

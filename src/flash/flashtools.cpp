@@ -7,9 +7,6 @@
 
 namespace {
 
-const std::string coreFileName = "varnflash";
-const std::string coreDirectory = "./";
-
 constexpr int ispfrPresent = 55;
 constexpr int evaluationPauseSeconds = 2;
 
@@ -22,24 +19,19 @@ using operation_table_t = std::unordered_map<std::int32_t, operation_t>;
 
 operation_table_t makeOperationTable(const std::string& imagePath) {
     static const std::string waitSuffix = ", please wait...\n\n";
-    const auto flash = [&imagePath](const std::string& argument) {
-        return flashtools::corePath + " " + imagePath + " " + argument + " " +
-               flashtools::debugArgument;
-    };
-    return {
-        {op_inactive, {"Starting validation of inactive image" + waitSuffix, flash("/i")}},
-        {op_force_1st, {"Preparing forced flash of 1st image" + waitSuffix, flash("/f1")}},
-        {op_force_2nd, {"Preparing forced flash of 2nd image" + waitSuffix, flash("/f2")}},
-        {op_emergency, {"Preparing emergency flash" + waitSuffix, flash("/emerg")}},
+    operation_table_t table{
         {op_reboot,
-         {"Varn reboot pending, wait for boot to complete", flashtools::corePath + " /wr"}},
-    };
+         {"Varn reboot pending, wait for boot to complete", flashtools::corePath + " /wr"}}};
+    for (const auto& [id, message, argument] : imageOperations) {
+        table[id] = {std::string(message) + waitSuffix, imageCommand(imagePath, argument)};
+    }
+    return table;
 }
 
 }  // namespace
 
-const std::string flashtools::debugArgument = "/logDebug";
-const std::string flashtools::corePath = coreDirectory + coreFileName;
+const std::string flashtools::debugArgument(coreDebugArgument);
+const std::string flashtools::corePath = std::string(coreDirectory) + std::string(coreFileName);
 
 flashtools::flashtools(bool evaluate, const std::vector<std::pair<int, int>>& operations)
     : evalMode(evaluate) {

@@ -7,10 +7,8 @@
 #include <vector>
 
 #include "flash/fwimage.hpp"
+#include "flash/operations.hpp"
 #include "support/support.hpp"
-
-/// The operations of the flash core program.
-enum flash_op_t : std::int32_t { op_inactive, op_force_1st, op_force_2nd, op_emergency, op_reboot };
 
 /// Runs the flash core program, which lies in the working directory and does the writing.
 class flashtools : public fwimage, public virtual support {

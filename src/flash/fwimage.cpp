@@ -2,7 +2,9 @@
 
 #include <stdexcept>
 
-const std::string fwimage::imageDirectory = "../";
+#include "flash/operations.hpp"
+
+const std::string fwimage::imageDirectory(imageFolder);
 
 fwimage::fwimage() : imagePath(imageDirectory + getInfo(release_image)) {
     if (!fileExists(imagePath)) {

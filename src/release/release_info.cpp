@@ -1,19 +1,13 @@
 #include "release/release_info.hpp"
 
-#include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <set>
 #include <stdexcept>
 #include <string_view>
 
 namespace {
 
-const std::string releaseFileName = "releasefile-information.txt";
 const std::string releaseDirectory = "../";
-
-/// The order in which a line is compared with the entries.
-constexpr std::array matchOrder{release_image, release_system, release_sdr, release_firmware};
 
 /// A text file, line by line; see getline(3).
 class line_reader {
@@ -52,13 +46,9 @@ private:
 
 }  // namespace
 
-const std::string release_info::releaseFilePath = releaseDirectory + releaseFileName;
+const std::string release_info::releaseFilePath = releaseDirectory + std::string(releaseFileName);
 
-release_info::release_info()
-    : store{{release_firmware, "VARN_RELEASE="},
-            {release_sdr, "SDR_RELEASE="},
-            {release_system, "SYSTEM="},
-            {release_image, "IMAGE_NAME="}} {
+release_info::release_info() : store(releaseStore()) {
     if (!infoFileExists()) {
         throw std::invalid_argument("Info file is missing");
     }
@@ -78,23 +68,12 @@ const std::string& release_info::getInfo(int id) const {
 bool release_info::infoFileExists() { return fileExists(releaseFilePath); }
 
 int release_info::readInfoFile() {
-    std::set<std::int32_t> matched;
+    release_lines lines(store);
     line_reader file(releaseFilePath);
     while (file.next()) {
-        for (const auto id : matchOrder) {
-            std::string& text = store.at(id);
-            if (file.line.starts_with(text)) {
-                text = file.line.substr(text.size());
-                removeQuotes(text);
-                removeLineEnds(text);
-                // A line that matches an entry for the second time matches its value, not its key;
-                // and an empty value matches whatever line comes next.
-                if (!matched.insert(id).second || (text.empty() && file.next())) {
-                    return 0;
-                }
-                break;
-            }
+        if (!lines.take(file.line)) {
+            return 0;
         }
     }
-    return static_cast<int>(matched.size());
+    return static_cast<int>(lines.count());
 }

@@ -17,6 +17,7 @@
 
 #include "support/blocked_signals.hpp"
 #include "support/input_watch.hpp"
+#include "support/longest_command.hpp"
 #include "support/spawn_file_actions.hpp"
 #include "support/terminal_keeper.hpp"
 #include "support/word_vector.hpp"
@@ -24,7 +25,6 @@
 namespace {
 
 constexpr std::size_t longestEnvironment = 4096;
-constexpr std::size_t longestCommand = 254;
 constexpr int millisecondsPerSecond = 1000;
 constexpr long nanosecondsPerMillisecond = 1'000'000;
 
