@@ -1,11 +1,10 @@
 # What is installed, and what script/dist has to know to make packages of it. The tool is not a system command:
 # it is started from a firmware package, and installed only to be put into one.
 
-install(PROGRAMS script/varnmenu-package DESTINATION ${VARNMENU_TOOL_DIRECTORY})
 install(FILES doc/varnmenu.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
 install(FILES doc/varnmenu-package.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
-# The script finds the tool next to itself, so the command is a link to it.
+# varnmenu-package finds the menu next to itself, so the command is a link to it.
 set(command ${PROJECT_BINARY_DIR}/command/varnmenu-package)
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/command)
 file(CREATE_LINK ../${VARNMENU_TOOL_DIRECTORY}/varnmenu-package ${command} SYMBOLIC)
