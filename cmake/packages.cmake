@@ -10,6 +10,9 @@ file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/command)
 file(CREATE_LINK ../${VARNMENU_TOOL_DIRECTORY}/varnmenu-package ${command} SYMBOLIC)
 install(FILES ${command} DESTINATION ${CMAKE_INSTALL_BINDIR})
 
+install(FILES packaging/varnmenu-package.bash RENAME varnmenu-package
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+
 # For many servers: users copy the folder.
 install(DIRECTORY fleet DESTINATION ${CMAKE_INSTALL_DATADIR}/varnmenu USE_SOURCE_PERMISSIONS
     REGEX "/\\.[^/]*$" EXCLUDE)

@@ -9,16 +9,16 @@
 
 namespace {
 
-constexpr std::chrono::seconds interval(1);
 constexpr std::uint64_t whole = 100;
 
 }  // namespace
 
-progress::progress(const std::string& what, std::uint64_t size)
+progress::progress(const std::string& what, std::uint64_t size, std::chrono::milliseconds interval)
     : name(printable(what)),
       all(std::max<std::uint64_t>(size, 1)),
       isWatched(isatty(STDERR_FILENO) == 1),
-      next(clock_t::now() + interval) {}
+      wait(interval),
+      next(clock_t::now() + wait) {}
 
 progress::~progress() {
     if (isShown) {
@@ -31,6 +31,6 @@ void progress::add(std::uint64_t bytes) {
     if (isWatched && clock_t::now() >= next) {
         std::fprintf(stderr, "\r%s: %d %%", name.c_str(), static_cast<int>(done * whole / all));
         isShown = true;
-        next += interval;
+        next += wait;
     }
 }

@@ -9,7 +9,9 @@ class progress {
 public:
     /// @param what is read; made printable
     /// @param size of all of it in bytes
-    progress(const std::string& what, std::uint64_t size);
+    /// @param interval before it tells for the first time, and between two times
+    progress(const std::string& what, std::uint64_t size,
+             std::chrono::milliseconds interval = std::chrono::seconds(1));
     ~progress();
 
     progress(const progress&) = delete;
@@ -26,5 +28,6 @@ private:
     std::uint64_t done = 0;
     bool isWatched;
     bool isShown = false;
+    std::chrono::milliseconds wait;
     clock_t::time_point next;
 };

@@ -77,17 +77,17 @@ bool checkKey(const std::vector<std::string_view>& lines, std::string_view key, 
 }
 
 /// As varnmenu reads the file.
-/// @return the values
-release_store_t readLines(const std::vector<std::string_view>& lines, findings& found) {
+/// @return the name of the image, or nothing when varnmenu would refuse the file
+std::string readImageName(const std::vector<std::string_view>& lines, findings& found) {
     release_store_t values = releaseStore();
     release_lines reader(values);
-    if (!std::ranges::all_of(lines, [&](std::string_view line) { return reader.take(line); })) {
-        const auto* const taker =
-            std::ranges::find(releaseKeys, reader.taker(), &release_key_t::id);
-        found.add(file, "the value of " + nameOf(taker->key) + " begins another line",
-                  "change the value, or put its line below the other one");
+    if (std::ranges::all_of(lines, [&](std::string_view line) { return reader.take(line); })) {
+        return values.at(release_image);
     }
-    return values;
+    const auto* const taker = std::ranges::find(releaseKeys, reader.taker(), &release_key_t::id);
+    found.add(file, "the value of " + nameOf(taker->key) + " begins another line",
+              "change the value, or put its line below the other one");
+    return "";
 }
 
 bool isTaken(std::string_view image) {
@@ -148,7 +148,7 @@ std::optional<std::string> checkReleaseText(std::string_view text, findings& fou
         const bool isGiven = checkKey(lines, key, found);
         hasImage = hasImage || (id == release_image && isGiven);
     }
-    const std::string image = readLines(lines, found).at(release_image);
+    const std::string image = readImageName(lines, found);
     if (hasImage && !image.empty() && isPrintable(image) && checkImageName(image, found)) {
         return image;
     }

@@ -44,10 +44,10 @@ std::string text(std::string_view header, const field_t& field) {
     return std::string(bytes.substr(0, bytes.find('\0')));
 }
 
-/// @return the octal digits at the start
+/// @return the octal digits at the start, no more than putNumber makes
 std::uint64_t number(std::string_view header, const field_t& field) {
     std::uint64_t value = 0;
-    for (const char digit : part(header, field)) {
+    for (const char digit : part(header, {field.offset, field.size - 1})) {
         if (digit < '0' || digit > '7') {
             break;
         }

@@ -10,6 +10,7 @@ extern "C" {
 void __gcov_dump();                                                     // NOLINT
 void __gcov_reset();                                                    // NOLINT
 int __real_sigaction(int, const struct sigaction*, struct sigaction*);  // NOLINT
+int __real_sigprocmask(int, const sigset_t*, sigset_t*);                // NOLINT
 }
 
 namespace {
@@ -48,4 +49,15 @@ extern "C" int __wrap_sigaction(int signal, const struct sigaction* action,  // 
         previous->sa_handler = previousHandler;
     }
     return result;
+}
+
+/// A signal that is held back may end the process as soon as it is not.
+extern "C" int __wrap_sigprocmask(int how, const sigset_t* set, sigset_t* previous) {  // NOLINT
+    sigset_t pending;
+    sigpending(&pending);
+    if (sigisemptyset(&pending) == 0) {
+        __gcov_dump();
+        __gcov_reset();
+    }
+    return __real_sigprocmask(how, set, previous);
 }
