@@ -46,8 +46,9 @@ const std::string cutOff = "varn.tar: is cut off; fetch it again\n";
 const std::string goesOn = "varn.tar: goes on after its end; do not use it\n";
 
 std::string unplain(const std::string& name) {
-    return name + ": is no plain name; rename it: letters, digits and ._+- alone, no dot or dash "
-                  "first\n";
+    return name +
+           ": is no plain name; rename it: letters, digits and ._+- alone, no dot or dash "
+           "first\n";
 }
 
 std::string outside(const std::string& name) {
@@ -90,40 +91,43 @@ TEST(ArchiveReader, TakesOneSpellingOfEachField) {
         std::string bytes;
         std::string expected;
     } const rows[] = {
-        {100, "000644 ", foreign},                    // as bsdtar has it
-        {100, nul + "000644", foreign},               // begins with a NUL
-        {100, " 000644", foreign},                    // blanks
-        {124, nul + "0000000007", foreign},           // a size that begins with a NUL
-        {124, "\n0000000007", foreign},               // with a line feed
-        {124, "\v0000000007", foreign},               // with a vertical tab
-        {124, "+0000000007", foreign},                // with a sign
-        {124, "00000000007 ", foreign},               // a blank at its end
+        {100, "000644 ", foreign},                              // as bsdtar has it
+        {100, nul + "000644", foreign},                         // begins with a NUL
+        {100, " 000644", foreign},                              // blanks
+        {124, nul + "0000000007", foreign},                     // a size that begins with a NUL
+        {124, "\n0000000007", foreign},                         // with a line feed
+        {124, "\v0000000007", foreign},                         // with a vertical tab
+        {124, "+0000000007", foreign},                          // with a sign
+        {124, "00000000007 ", foreign},                         // a blank at its end
         {124, "\x80" + std::string(10, '\0') + "\7", foreign},  // base 256
-        {136, "-0000000001", foreign},                // a negative time
+        {136, "-0000000001", foreign},                          // a negative time
         {148, "12345678", damaged},
-        {156, nul, foreign},                          // the type of old
-        {156, "1", foreign},                          // a link
+        {156, nul, foreign},  // the type of old
+        {156, "1", foreign},  // a link
         {156, "7", foreign},
         {156, "L", foreign},
         {156, "x", foreign},
         {156, "S", foreign},
-        {157, "target", foreign},                     // the name of a link
-        {257, "ustar  " + nul, foreign},              // magic of GNU tar
+        {157, "target", foreign},         // the name of a link
+        {257, "ustar  " + nul, foreign},  // magic of GNU tar
         {257, "ustar" + nul + "01", foreign},
-        {257, std::string(8, '\0'), damaged},         // an archive of old
-        {345, "prefix", foreign},                     // a name that needed none
-        {500, "x", foreign},                          // after the prefix
-        {50, "x", foreign},                           // after the end of the name
+        {257, std::string(8, '\0'), damaged},  // an archive of old
+        {345, "prefix", foreign},              // a name that needed none
+        {500, "x", foreign},                   // after the prefix
+        {50, "x", foreign},                    // after the end of the name
         {108, "0001750", owned},
         {116, "0001750", owned},
         {265, "user", owned},
         {297, "group", owned},
-        {265, "root", owned},                         // one of two names
+        {265, "root", owned},  // one of two names
         {329, "0000001", foreign},
     };
     for (const auto& [offset, bytes, expected] : rows) {
         const std::string changed = withHeader(archive, offset, bytes, 1);
-        EXPECT_EQ(expected, foundIn(offset == 148 ? std::string(archive).replace(512 + 148, 8, bytes) : changed)) << offset;
+        EXPECT_EQ(
+            expected,
+            foundIn(offset == 148 ? std::string(archive).replace(512 + 148, 8, bytes) : changed))
+            << offset;
     }
 }
 
@@ -196,7 +200,8 @@ TEST(ArchiveReader, TakesModesThatKeepOthersOut) {
     EXPECT_EQ("varn/x: is closed to its owner; chmod u+rwX it\n",
               withMember(sampleFile("varn/x", "", 0244)));
     collecting_sink sink;
-    EXPECT_EQ("", foundIn(archiveOf({sampleFolder("varn", 0700), sampleFile("varn/x", "", 0400)}), sink));
+    EXPECT_EQ(
+        "", foundIn(archiveOf({sampleFolder("varn", 0700), sampleFile("varn/x", "", 0400)}), sink));
 }
 
 TEST(ArchiveReader, TakesAThousandMembers) {
@@ -218,10 +223,10 @@ TEST(ArchiveReader, RefusesADirectoryWithContent) {
 
 TEST(ArchiveReader, YieldsNothingMoreAfterAFinding) {
     collecting_sink sink;
-    const std::string found = foundIn(archiveOf({sampleFolder("varn"), sampleFile("varn/a", "a"),
-                                                 sampleFile("varn/-b", "b"), sampleFile("varn/-c", "c"),
-                                                 sampleFile("varn/d", "d")}),
-                                      sink);
+    const std::string found = foundIn(
+        archiveOf({sampleFolder("varn"), sampleFile("varn/a", "a"), sampleFile("varn/-b", "b"),
+                   sampleFile("varn/-c", "c"), sampleFile("varn/d", "d")}),
+        sink);
     EXPECT_EQ(unplain("varn/-b") + unplain("varn/-c"), found);
     EXPECT_EQ((samples_t{sampleFolder("varn"), sampleFile("varn/a", "a")}), sink.samples);
     EXPECT_FALSE(sink.hasEnded);

@@ -39,14 +39,16 @@ TEST(ChecksumFile, SaysJustWhatIsWrong) {
                               "is not for v.tar alone; write it with sha256sum in the folder of "
                               "the archive\n";
     EXPECT_EQ(start + "is in upper case" + again, foundIn(capitals + "  v.tar\n"));
-    EXPECT_EQ(start + "is in the style of BSD" + again, foundIn("SHA256 (v.tar) = " + digits + "\n"));
+    EXPECT_EQ(start + "is in the style of BSD" + again,
+              foundIn("SHA256 (v.tar) = " + digits + "\n"));
     EXPECT_EQ(start + "has lines that end in CR LF; end them as UNIX does\n",
               foundIn(digits + "  v.tar\r\n"));
     EXPECT_EQ(start + "holds no SHA-256 checksum" + again, foundIn(""));
     EXPECT_EQ(start + "holds no SHA-256 checksum" + again, foundIn(digits.substr(1)));
-    EXPECT_EQ(start + "holds no SHA-256 checksum" + again, foundIn("x" + digits.substr(1) + "  v.tar\n"));
-    for (const std::string rest : {"", "\n", "  other.tar\n", "  out/v.tar\n", "  v.tar", " v.tar\n",
-                                   "0  v.tar\n", "  v.tar\n\n"}) {
+    EXPECT_EQ(start + "holds no SHA-256 checksum" + again,
+              foundIn("x" + digits.substr(1) + "  v.tar\n"));
+    for (const std::string rest : {"", "\n", "  other.tar\n", "  out/v.tar\n", "  v.tar",
+                                   " v.tar\n", "0  v.tar\n", "  v.tar\n\n"}) {
         EXPECT_EQ(other, foundIn(digits + rest));
     }
     EXPECT_EQ("out/v.tar: does not match the checksum in out/v.tar.sha256; fetch both again\n",

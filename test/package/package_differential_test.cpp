@@ -40,7 +40,7 @@ samples_t smallPackage() {
 std::string treeBelow(const fs::path& folder) {
     std::map<std::string, std::string> tree;
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        struct stat status{};
+        struct stat status {};
         lstat(entry.path().c_str(), &status);
         tree[entry.path().lexically_relative(folder).string()] =
             std::to_string(status.st_mode) +
@@ -52,9 +52,8 @@ std::string treeBelow(const fs::path& folder) {
 std::string treeOf(const samples_t& samples) {
     std::map<std::string, std::string> tree;
     for (const auto& [member, content] : samples) {
-        tree[member.name] =
-            std::to_string(member.mode | (member.isDirectory ? S_IFDIR : S_IFREG)) +
-            (member.isDirectory ? "" : " " + content);
+        tree[member.name] = std::to_string(member.mode | (member.isDirectory ? S_IFDIR : S_IFREG)) +
+                            (member.isDirectory ? "" : " " + content);
     }
     return testing::PrintToString(tree);
 }
@@ -82,10 +81,10 @@ private:
     /// Changes a field to something that some tar may take for another, the checksum made right.
     std::string withField(const std::string& bytes, std::size_t block) {
         static const std::pair<std::size_t, std::size_t> fields[] = {
-            {0, 100},  {100, 8}, {108, 8},  {116, 8},  {124, 12}, {136, 12}, {156, 1}, {157, 100},
-            {257, 8},  {265, 32}, {297, 32}, {329, 8}, {337, 8},  {345, 155}, {500, 12}};
-        static const std::vector<std::string> names{
-            "varn/x", "varn/x/", "varn/../y", "/z", "varn/tool", "other/", "varn/\x1b", "varn/a"};
+            {0, 100}, {100, 8},  {108, 8},  {116, 8}, {124, 12}, {136, 12},  {156, 1}, {157, 100},
+            {257, 8}, {265, 32}, {297, 32}, {329, 8}, {337, 8},  {345, 155}, {500, 12}};
+        static const std::vector<std::string> names{"varn/x",    "varn/x/", "varn/../y", "/z",
+                                                    "varn/tool", "other/",  "varn/\x1b", "varn/a"};
         static const std::string types("0123456789gxLKSDMNVA\0", 21);
         const auto [offset, size] = fields[random() % std::size(fields)];
         std::string value = bytes.substr(block * 512 + offset, size);
@@ -103,10 +102,10 @@ private:
                 break;
             }
             case 2: {  // a usual word
-                const std::string word =
-                    offset == 0 || offset == 345 ? names[random() % names.size()]
-                    : offset == 156              ? types.substr(random() % types.size(), 1)
-                                                 : (random() % 2 == 0 ? "root" : "ustar  ");
+                const std::string word = offset == 0 || offset == 345
+                                             ? names[random() % names.size()]
+                                         : offset == 156 ? types.substr(random() % types.size(), 1)
+                                                         : (random() % 2 == 0 ? "root" : "ustar  ");
                 value = (word + std::string(size, '\0')).substr(0, size);
                 break;
             }

@@ -26,8 +26,7 @@ std::string wrongUse(const std::string& message) {
     return failure(message) + failure("see varnmenu-package --help");
 }
 
-const std::string nothingMade =
-    failure("create: nothing is made, as the package has findings");
+const std::string nothingMade = failure("create: nothing is made, as the package has findings");
 
 }  // namespace
 
@@ -38,7 +37,8 @@ TEST_F(create_program_test, MakesAPackageThatIsGood) {
     EXPECT_EQ((outcome_t{0, goodVerdict(), ""}), run({"verify", "varn.tar"}));
     EXPECT_EQ((outcome_t{0, goodVerdict(), ""}), run({"check", "varn.tar"}));
     EXPECT_EQ((outcome_t{0, "", ""}), run({"check", "varn"}));
-    EXPECT_EQ((outcome_t{0, "", ""}), shell("diff -r package varn && sha256sum --quiet -c *.sha256"));
+    EXPECT_EQ((outcome_t{0, "", ""}),
+              shell("diff -r package varn && sha256sum --quiet -c *.sha256"));
 }
 
 // As GNU tar does, so that one may be shown to be the other.
@@ -50,13 +50,14 @@ TEST_F(create_program_test, MakesTheArchiveThatGnuTarMakes) {
 }
 
 TEST_F(create_program_test, MakesTheSameBytesWhateverTheSurroundings) {
-    EXPECT_EQ(0, shell("umask 077; chmod 600 package/*.txt; ln -s package/fw.bin fw.bin; LC_ALL=C.UTF-8 "
-                       "\"$P\" create --image fw.bin --core package/tool/varnflash --tool "
-                       "package/tool/varnmenu --documents package --release 2.41 --sdr 3.07 "
-                       "--system 'RX 2540' --output ./varn//; rm fw.bin")
-                     .status);
+    EXPECT_EQ(
+        0, shell("umask 077; chmod 600 package/*.txt; ln -s package/fw.bin fw.bin; LC_ALL=C.UTF-8 "
+                 "\"$P\" create --image fw.bin --core package/tool/varnflash --tool "
+                 "package/tool/varnmenu --documents package --release 2.41 --sdr 3.07 "
+                 "--system 'RX 2540' --output ./varn//; rm fw.bin")
+               .status);
     EXPECT_TRUE(archiveOf(soundPackage()) == contentOf(scratch.path() / "varn.tar"));
-    struct stat status{};
+    struct stat status {};
     ASSERT_EQ(0, stat(scratch.at("varn.tar").c_str(), &status));
     EXPECT_EQ(0644U, status.st_mode & 07777U);
 }
@@ -71,7 +72,7 @@ TEST_F(create_program_test, TakesTheMenuBesideItselfAndTheTimeOfTheClock) {
                        "package/tool/varnflash --documents package --release 2.41 --sdr 3.07 "
                        "--system x --output varn")
                      .status);
-    struct stat status{};
+    struct stat status {};
     ASSERT_EQ(0, stat(scratch.at("varn/tool/varnmenu").c_str(), &status));
     EXPECT_LE(before, status.st_mtime);
 }
@@ -91,8 +92,9 @@ TEST_F(create_program_test, SaysWhichPartIsMissingOrUnfit) {
                       failure("package/readme.txt has the name of another file of the package"));
     expectNothingMade(create({"--output=none/varn"}),
                       failure("cannot enter none/: No such file or directory"));
-    expectNothingMade(create({"--sign=none"}), "Couldn't load public key none: No such file or directory\r\n" +
-                                                   failure("cannot sign the archive with none"));
+    expectNothingMade(create({"--sign=none"}),
+                      "Couldn't load public key none: No such file or directory\r\n" +
+                          failure("cannot sign the archive with none"));
 }
 
 TEST_F(create_program_test, RefusesNamesAndValuesThatNoPackageCanHave) {
@@ -109,8 +111,8 @@ TEST_F(create_program_test, RefusesNamesAndValuesThatNoPackageCanHave) {
     }
     for (const std::string time : {"x", "1x", "", "-1", "8589934592", "99999999999999999999"}) {
         environment["SOURCE_DATE_EPOCH"] = time;
-        expectNothingMade(create(),
-                          wrongUse("create: SOURCE_DATE_EPOCH is no number of seconds"), 2);
+        expectNothingMade(create(), wrongUse("create: SOURCE_DATE_EPOCH is no number of seconds"),
+                          2);
     }
 }
 
@@ -142,8 +144,8 @@ TEST_F(create_program_test, TouchesNothingThatOthersMakeMeanwhile) {
 TEST_F(create_program_test, LeavesNothingWhenASignalEndsIt) {
     fs::create_directory(scratch.path() / "bin");
     for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM}) {
-        scratch.write("bin/ssh-keygen", "#!/bin/sh\nkill -" + std::to_string(number) +
-                                            " $PPID\nexec sleep 100\n");
+        scratch.write("bin/ssh-keygen",
+                      "#!/bin/sh\nkill -" + std::to_string(number) + " $PPID\nexec sleep 100\n");
         fs::permissions(scratch.path() / "bin/ssh-keygen", fs::perms(0755));
         environment["PATH"] = scratch.at("bin") + ":/usr/bin:/bin";
         EXPECT_EQ((outcome_t{128 + number, "", ""}), create({"--sign=key"}));
@@ -153,10 +155,10 @@ TEST_F(create_program_test, LeavesNothingWhenASignalEndsIt) {
 
 TEST_F(create_program_test, LeavesNothingWhenTheDiskIsFull) {
     scratch.write("package/fw.bin", std::string(200'000, 'i'));
-    const outcome_t outcome =
-        shell("trap '' XFSZ; ulimit -f 100; exec \"$P\" create --image package/fw.bin --core "
-              "package/tool/varnflash --tool package/tool/varnmenu --documents package --release "
-              "2.41 --sdr 3.07 --system x --output varn");
+    const outcome_t outcome = shell(
+        "trap '' XFSZ; ulimit -f 100; exec \"$P\" create --image package/fw.bin --core "
+        "package/tool/varnflash --tool package/tool/varnmenu --documents package --release "
+        "2.41 --sdr 3.07 --system x --output varn");
     EXPECT_EQ(1, outcome.status);
     EXPECT_NE(std::string::npos, outcome.errors.find("/varn.tar: File too large")) << outcome;
     EXPECT_EQ("package ", scratch.names());
@@ -210,15 +212,17 @@ TEST_F(program_test, SaysWhatIsWrongWithAnArchive) {
     EXPECT_EQ((outcome_t{1, "varn.tar: is cut off; fetch it again\n", ""}),
               verify(archive.substr(0, 600)));
     scratch.write("varn.tar", archive);
-    EXPECT_EQ((outcome_t{1, "varn.tar: does not match the checksum in varn.tar.sha256; fetch both "
-                            "again\n",
+    EXPECT_EQ((outcome_t{1,
+                         "varn.tar: does not match the checksum in varn.tar.sha256; fetch both "
+                         "again\n",
                          ""}),
               run({"verify", "varn.tar"}));
     for (const std::string name : {"varn", ".ssh.tar", "a b.tar"}) {
         writeArchive(archive, name);
         const outcome_t expected{1,
-                                 name + ": is not named as a package is; rename it to FOLDER.tar, "
-                                        "with letters, digits and ._+- in FOLDER\n",
+                                 name +
+                                     ": is not named as a package is; rename it to FOLDER.tar, "
+                                     "with letters, digits and ._+- in FOLDER\n",
                                  ""};
         EXPECT_EQ(expected, run({"verify", name}));
         EXPECT_EQ(expected, run({"unpack", name}));
@@ -235,8 +239,9 @@ TEST_F(program_test, IsUsedAsTheCommandLineHasToBe) {
               run({"verify", "package"}));
     EXPECT_EQ((outcome_t{2, "", wrongUse("unpack: package is not an archive")}),
               run({"unpack", "package"}));
-    EXPECT_EQ((outcome_t{2, "", wrongUse("check: /dev/null is neither a directory nor an archive")}),
-              run({"check", "/dev/null"}));
+    EXPECT_EQ(
+        (outcome_t{2, "", wrongUse("check: /dev/null is neither a directory nor an archive")}),
+        run({"check", "/dev/null"}));
     EXPECT_EQ((outcome_t{0, "varnmenu-package " PROJECT_VERSION "\n", ""}), run({"--version"}));
     const outcome_t help = run({"--help"});
     EXPECT_EQ(0, help.status);

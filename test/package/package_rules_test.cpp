@@ -72,9 +72,10 @@ TEST(PackageRules, SayWhatIsWrongWithAFile) {
     files = filesOf(soundPackage());
     files.at("").mode = 0757;
     files.at("fw.bin").mode = 0646;
-    EXPECT_EQ(".: can be written by everybody; chmod o-w it\n"
-              "fw.bin: can be written by everybody; chmod o-w it\n",
-              foundIn(files));
+    EXPECT_EQ(
+        ".: can be written by everybody; chmod o-w it\n"
+        "fw.bin: can be written by everybody; chmod o-w it\n",
+        foundIn(files));
 }
 
 TEST(PackageRules, LookNoFurtherIntoAClosedFolder) {

@@ -22,8 +22,8 @@ TEST(PlainName, HasLettersDigitsAndFourSigns) {
     for (const char* const name : {"a", "Z", "varn-2.41", "a_b+c", "0"}) {
         EXPECT_TRUE(isPlainName(name)) << name;
     }
-    for (const char* const name : {"", ".a", "-a", "a b", "a;b", "a:b", "a/b", "a\\b", "a\nb",
-                                   "\xc3\xa4", "a%", "a~b"}) {
+    for (const char* const name :
+         {"", ".a", "-a", "a b", "a;b", "a:b", "a/b", "a\\b", "a\nb", "\xc3\xa4", "a%", "a~b"}) {
         EXPECT_FALSE(isPlainName(name)) << name;
     }
     EXPECT_TRUE(isPlainName(std::string(100, 'n')));

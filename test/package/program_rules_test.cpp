@@ -71,8 +71,10 @@ std::string programOf(const elf_t& elf) {
     } else {
         put(bytes, offsetof(Elf32_Ehdr, e_phoff), static_cast<std::uint32_t>(header), elf.isBig);
         sizes(offsetof(Elf32_Ehdr, e_phentsize), offsetof(Elf32_Ehdr, e_phnum));
-        put(bytes, header + offsetof(Elf32_Phdr, p_offset), static_cast<std::uint32_t>(elf.noteAt), elf.isBig);
-        put(bytes, header + offsetof(Elf32_Phdr, p_filesz), static_cast<std::uint32_t>(note.size()), elf.isBig);
+        put(bytes, header + offsetof(Elf32_Phdr, p_offset), static_cast<std::uint32_t>(elf.noteAt),
+            elf.isBig);
+        put(bytes, header + offsetof(Elf32_Phdr, p_filesz), static_cast<std::uint32_t>(note.size()),
+            elf.isBig);
     }
     return bytes;
 }
@@ -81,8 +83,7 @@ std::string versionOf(const std::string& bytes) { return elf_file(bytes, bytes.s
 
 const std::string noProgram = "p: is an ELF file, but no program; put the program itself there\n";
 const std::string cutOff = "p: is an ELF file that is cut off; put the whole file there\n";
-const std::string foreign =
-    "p: is an ELF file that no system can run; put the right file there\n";
+const std::string foreign = "p: is an ELF file that no system can run; put the right file there\n";
 
 }  // namespace
 
@@ -102,8 +103,8 @@ TEST(ProgramRules, FindWhatNoSystemCanStart) {
     EXPECT_EQ("p: has no execute permission; chmod a+x it\n", saidOf("#!/bin/sh\n", 0677));
     EXPECT_EQ("p: is no program; put an ELF program or a script with \"#!\" there\n",
               saidOf("exit 0\n"));
-    EXPECT_EQ("p: is no program; put an ELF program or a script with \"#!\" there\n",
-              saidOf("\x7f" "EL"));
+    EXPECT_EQ("p: is no program; put an ELF program or a script with \"#!\" there\n", saidOf("\x7f"
+                                                                                             "EL"));
     EXPECT_EQ("x86_64" + noProgram, saidOf(programOf({.type = ET_REL})));
     EXPECT_EQ("x86_64" + noProgram, saidOf(programOf({.type = ET_CORE})));
     std::string bytes = programOf({});
@@ -129,9 +130,10 @@ TEST(ProgramRules, TakeScriptsWithTheWholePathOfAnInterpreter) {
     for (const std::string script : {"#!\n/bin/sh", "#! \t\n", "#!"}) {
         EXPECT_EQ("p: names no interpreter; write its path after the \"#!\"\n", saidOf(script));
     }
-    EXPECT_EQ("p: names an interpreter that does not begin with a slash; write its whole path after "
-              "the \"#!\"\n",
-              saidOf("#!sh\n"));
+    EXPECT_EQ(
+        "p: names an interpreter that does not begin with a slash; write its whole path after "
+        "the \"#!\"\n",
+        saidOf("#!sh\n"));
     EXPECT_EQ("p: has a carriage return in its first line; end the lines as UNIX does\n",
               saidOf("#!/bin/sh\r\n"));
 }
@@ -148,9 +150,10 @@ TEST(ProgramRules, LetBothProgramsBeForOneMachine) {
     sampleOf(samples, "tool/varnmenu") = sampleFile("varn/tool/varnmenu", programOf({}), 0755);
     sampleOf(samples, "tool/varnflash") =
         sampleFile("varn/tool/varnflash", programOf({.machine = EM_AARCH64}), 0755);
-    EXPECT_EQ("tool/varnflash: is for aarch64, but tool/varnmenu for x86_64; take both for the same "
-              "machine\n",
-              foundBy([&](findings& found) { checkPackage(filesOf(samples), found); }));
+    EXPECT_EQ(
+        "tool/varnflash: is for aarch64, but tool/varnmenu for x86_64; take both for the same "
+        "machine\n",
+        foundBy([&](findings& found) { checkPackage(filesOf(samples), found); }));
     EXPECT_EQ("varnmenu 1.2.3", menuVersion(filesOf(samples)));
 }
 

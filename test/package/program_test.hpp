@@ -34,5 +34,6 @@ protected:
 
 /// What verify says of a sound archive.
 std::string goodVerdict(const std::string& archive = "varn.tar",
-                        const std::string& signer = "no signature was checked: anybody may have "
-                                                    "made it");
+                        const std::string& signer =
+                            "no signature was checked: anybody may have "
+                            "made it");

@@ -33,7 +33,8 @@ TEST(ReleaseRules, TakeFourValuesInAnyOrderAndForm) {
     EXPECT_EQ("", withSystem("# a remark\n\nsystem=x\nSYSTEM=\"RX 2540\"\n"));
     findings found;
     EXPECT_EQ("fw.bin", checkReleaseText("SYSTEM=RX\nIMAGE_NAME=\"fw.bin\"\nSDR_RELEASE=3\n"
-                                         "VARN_RELEASE=2", found));
+                                         "VARN_RELEASE=2",
+                                         found));
     EXPECT_TRUE(found.empty());
 }
 
@@ -46,7 +47,8 @@ TEST(ReleaseRules, SayWhatIsWrongWithAValue) {
         {"system=x\n", "SYSTEM is missing; add a line that begins with SYSTEM="},
         {" SYSTEM=x\n", "SYSTEM is missing; add a line that begins with SYSTEM="},
         {"\xef\xbb\xbfSYSTEM=x\n",
-         "begins with a byte order mark; write it as plain ASCII text: the tool would not see SYSTEM"},
+         "begins with a byte order mark; write it as plain ASCII text: the tool would not see "
+         "SYSTEM"},
         {"SYSTEM=x\nSYSTEM=y\nSYSTEM=z\n", "SYSTEM is given 3 times; keep one of the lines"},
         {"SYSTEM=x\r\n", "SYSTEM holds a carriage return; end the lines as UNIX does"},
         {"SYSTEM=a\"b\n", "SYSTEM holds a quote; remove it: the tool would drop it"},
@@ -54,8 +56,9 @@ TEST(ReleaseRules, SayWhatIsWrongWithAValue) {
         {"SYSTEM=a\x1b[2J\n", "SYSTEM holds a character other than printable ASCII; remove it"},
         {"SYSTEM=\xc3\xa4\n", "SYSTEM holds a character other than printable ASCII; remove it"},
         {"SYSTEM=a$<5>\n", "SYSTEM holds \"$<\"; remove it: varnmenu would make a pause of it"},
-        {"SYSTEM=VARN\n", "the value of SYSTEM begins another line; change the value, or put its "
-                          "line below the other one"},
+        {"SYSTEM=VARN\n",
+         "the value of SYSTEM begins another line; change the value, or put its "
+         "line below the other one"},
     };
     for (const auto& [line, finding] : rows) {
         EXPECT_EQ(start + finding + "\n", withSystem(line));
@@ -95,17 +98,20 @@ TEST(ReleaseRules, SayWhatIsWrongWithTheImagesName) {
     const std::string taken = start +
                               "IMAGE_NAME names another file of the package; write the name of "
                               "the image\n";
-    EXPECT_EQ(start + "IMAGE_NAME holds a blank; rename the image: the core program would be given "
-                      "two names\n",
+    EXPECT_EQ(start +
+                  "IMAGE_NAME holds a blank; rename the image: the core program would be given "
+                  "two names\n",
               withImage("a b"));
-    EXPECT_EQ(start + "IMAGE_NAME holds a slash; put the image beside this file, and write its "
-                      "bare name\n",
+    EXPECT_EQ(start +
+                  "IMAGE_NAME holds a slash; put the image beside this file, and write its "
+                  "bare name\n",
               withImage("../fw.bin"));
     EXPECT_EQ("", withImage(std::string(100, 'i')));
     EXPECT_EQ(unplain, withImage(std::string(101, 'i')));
     EXPECT_EQ(unplain, withImage(std::string(222, 'i')));
-    EXPECT_EQ(start + "IMAGE_NAME is too long; shorten it by 1: the tool could not run the core "
-                      "program\n",
+    EXPECT_EQ(start +
+                  "IMAGE_NAME is too long; shorten it by 1: the tool could not run the core "
+                  "program\n",
               withImage(std::string(223, 'i')));
     EXPECT_EQ(unplain, withImage("a;b"));
     EXPECT_EQ(unplain, withImage(".."));

@@ -69,10 +69,9 @@ std::string withHeader(std::string archive, std::size_t offset, const std::strin
     std::copy(bytes.begin(), bytes.end(), header + static_cast<std::ptrdiff_t>(offset));
     const auto sum = header + sumOffset;
     std::fill(sum, sum + 8, ' ');
-    const unsigned total =
-        std::accumulate(header, header + blockSize, 0U, [](unsigned all, char byte) {
-            return all + static_cast<unsigned char>(byte);
-        });
+    const unsigned total = std::accumulate(
+        header, header + blockSize, 0U,
+        [](unsigned all, char byte) { return all + static_cast<unsigned char>(byte); });
     std::array<char, 8> digits{};
     std::snprintf(digits.data(), digits.size(), "%06o", total);
     std::copy(digits.begin(), digits.end() - 1, sum);

@@ -68,9 +68,10 @@ TEST_F(signature_test, IsThatOfAListedSigner) {
 TEST_F(signature_test, IsMadeByCreate) {
     EXPECT_EQ(0, shell("rm varn.*").status);
     EXPECT_EQ((outcome_t{0, "", ""}), create({"--sign", "maker"}));
-    EXPECT_EQ("maker maker.pub package signers stranger stranger.pub varn varn.tar varn.tar.sha256 "
-              "varn.tar.sig ",
-              scratch.names());
+    EXPECT_EQ(
+        "maker maker.pub package signers stranger stranger.pub varn varn.tar varn.tar.sha256 "
+        "varn.tar.sig ",
+        scratch.names());
     expectSaid("signed by maker@example.com");
 }
 
@@ -88,7 +89,8 @@ TEST_F(signature_test, IsRefusedFromAnybodyElse) {
     scratch.write("varn.tar.sig", "no signature");
     expectRefused("was made with a key that signers does not list");
     fs::remove(scratch.path() / "varn.tar.sig");
-    EXPECT_EQ((outcome_t{1, "varn.tar.sig: is missing; put it beside the archive\n", ""}), verify());
+    EXPECT_EQ((outcome_t{1, "varn.tar.sig: is missing; put it beside the archive\n", ""}),
+              verify());
 }
 
 TEST_F(signature_test, IsTriedForEachLineThatListsTheKey) {
@@ -136,9 +138,9 @@ TEST_F(signature_test, SaysWhatToInstall) {
 
 TEST_F(signature_test, NeedsAListOfSigners) {
     fs::remove(scratch.path() / "signers");
-    EXPECT_EQ((outcome_t{1, "",
-                         "varnmenu-package: cannot open signers: No such file or directory\n"}),
-              verify());
+    EXPECT_EQ(
+        (outcome_t{1, "", "varnmenu-package: cannot open signers: No such file or directory\n"}),
+        verify());
     scratch.write("signers", std::string(1024 * 1024 + 1, '\n'));
     EXPECT_EQ((outcome_t{1, "", "varnmenu-package: signers is larger than a list of signers\n"}),
               verify());
@@ -177,8 +179,7 @@ TEST(ChildProgram, StartsWithNoSignalBlocked) {
 }
 
 TEST(ChildProgram, HasToBeThere) {
-    EXPECT_EQ("cannot run /none/x\\033: No such file or directory",
-              thrown<std::runtime_error>([] {
+    EXPECT_EQ("cannot run /none/x\\033: No such file or directory", thrown<std::runtime_error>([] {
                   child_program({"/none/x\x1b"}, "", child_program::errors_t::shown);
               }));
 }

@@ -41,7 +41,7 @@ TEST(Unpacker, WritesWhatIsInTheArchive) {
     std::size_t count = 1;
     for (const auto& [member, content] : soundPackage()) {
         const fs::path path = scratch.path() / member.name;
-        struct stat status{};
+        struct stat status {};
         ASSERT_EQ(0, stat(path.c_str(), &status));
         EXPECT_EQ(member.mode, status.st_mode & 07777U) << path;
         EXPECT_EQ(member.isDirectory, S_ISDIR(status.st_mode));
@@ -59,8 +59,9 @@ TEST(Unpacker, OverwritesNothing) {
     const scratch_folder scratch;
     const private_folder folder(scratch.path().string(), "varn");
     EXPECT_EQ("cannot make varn/x: File exists", thrown<std::runtime_error>([&] {
-                  unpack({sampleFolder("varn"), sampleFile("varn/x", "1"), sampleFile("varn/x", "2")},
-                         folder);
+                  unpack(
+                      {sampleFolder("varn"), sampleFile("varn/x", "1"), sampleFile("varn/x", "2")},
+                      folder);
               }));
     EXPECT_EQ("cannot make varn: File exists",
               thrown<std::runtime_error>([&] { unpack({sampleFolder("varn")}, folder); }));
@@ -70,7 +71,7 @@ TEST(PrivateFolder, IsClosedAndLeavesNothing) {
     const scratch_folder scratch;
     {
         const private_folder folder(scratch.path().string(), "varn");
-        struct stat status{};
+        struct stat status {};
         ASSERT_EQ(0, fstat(folder.get(), &status));
         EXPECT_EQ(0700U, status.st_mode & 07777U);
         EXPECT_TRUE(scratch.names().starts_with(".varn."));
