@@ -60,9 +60,9 @@ void race(int rounds, const std::string& program, const std::string& archive) {
     constexpr double mostTimes = 1.5;
     constexpr double mostMemory = 16;
     constexpr double kilobytes = 1024;
-    printBounds(std::cout,
-                {{"time to verify an archive / sha256sum", median(ours) / median(others), mostTimes},
-                 {"peak memory of that, MB", most(memory) / kilobytes, mostMemory}});
+    printBounds(std::cout, {{"time to verify an archive / sha256sum", median(ours) / median(others),
+                             mostTimes},
+                            {"peak memory of that, MB", most(memory) / kilobytes, mostMemory}});
 }
 
 }  // namespace

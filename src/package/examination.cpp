@@ -39,6 +39,7 @@ public:
         }
     }
     void end() override {
+        contents.end();
         if (second != nullptr) {
             second->end();
         }

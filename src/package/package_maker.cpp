@@ -49,10 +49,11 @@ void add(sources_t& sources, const std::string& name, source_t source) {
 }
 
 std::string releaseText(const package_parts_t& parts) {
-    const std::map<release_id_t, std::string> values{{release_firmware, parts.release},
-                                                     {release_sdr, parts.sdr},
-                                                     {release_system, parts.system},
-                                                     {release_image, lastPart(parts.image)}};
+    release_store_t values;
+    values[release_firmware] = parts.release;
+    values[release_sdr] = parts.sdr;
+    values[release_system] = parts.system;
+    values[release_image] = lastPart(parts.image);
     std::string text;
     for (const auto& [id, key] : releaseKeys) {
         text += std::string(key) + values.at(id) + "\n";
@@ -127,13 +128,14 @@ void writeArchive(const private_folder& folder, const std::string& name, const s
     descriptor file = folder.make(archiveName);
     sha256 hash;
     const auto signer = key.empty() ? nullptr : signingProgram(key);
-    archive_writer archive([&](std::string_view bytes) {
+    const auto write = [&](std::string_view bytes) {
         file.write(bytes);
         hash.take(bytes);
         if (signer) {
             signer->take(bytes);
         }
-    });
+    };
+    archive_writer archive(write);
     archiveAll(sources, name, time, archive);
     file.sync();
     if (signer) {

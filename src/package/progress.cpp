@@ -22,7 +22,7 @@ progress::progress(const std::string& what, std::uint64_t size, std::chrono::mil
 
 progress::~progress() {
     if (isShown) {
-        std::fprintf(stderr, "\r%*s\r", static_cast<int>(name.size() + sizeof ": 100 %"), "");
+        std::fprintf(stderr, "\r%*s\r", static_cast<int>(name.size() + sizeof ": 100 %" - 1), "");
     }
 }
 

@@ -57,8 +57,8 @@ bool checkKey(const std::vector<std::string_view>& lines, std::string_view key, 
     const auto givesIt = [key](std::string_view line) { return line.starts_with(key); };
     const auto first = std::ranges::find_if(lines, givesIt);
     if (first == lines.end()) {
-        const bool isMarked = !lines.empty() && lines.front().starts_with(byteOrderMark) &&
-                              givesIt(lines.front().substr(byteOrderMark.size()));
+        const std::string marked = std::string(byteOrderMark) + std::string(key);
+        const bool isMarked = !lines.empty() && lines.front().starts_with(marked);
         if (isMarked) {
             found.add(file, "begins with a byte order mark",
                       "write it as plain ASCII text: the tool would not see " + name);
@@ -146,7 +146,7 @@ std::optional<std::string> checkReleaseText(std::string_view text, findings& fou
     bool hasImage = false;
     for (const auto& [id, key] : releaseKeys) {
         const bool isGiven = checkKey(lines, key, found);
-        hasImage = hasImage || (id == release_image && isGiven);
+        hasImage = id == release_image ? isGiven : hasImage;
     }
     const std::string image = readImageName(lines, found);
     if (hasImage && !image.empty() && isPrintable(image) && checkImageName(image, found)) {

@@ -68,6 +68,14 @@ TEST(ArchiveReader, YieldsWhatWasWrittenHoweverItComes) {
     }
 }
 
+TEST(ArchiveReader, TakesFilesThatFillTheirBlocks) {
+    const samples_t samples{sampleFolder("varn"), sampleFile("varn/a", std::string(1024, 'a')),
+                            sampleFile("varn/b", "b")};
+    collecting_sink sink;
+    EXPECT_EQ("", foundIn(archiveOf(samples), sink));
+    EXPECT_EQ(samples, sink.samples);
+}
+
 TEST(ArchiveReader, TakesTheOwnersNameRootAndEmptyDeviceNumbers) {
     for (const bool namesRoot : {false, true}) {
         for (const bool hasNumbers : {false, true}) {

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <fstream>
 
 #include "harness/test_surroundings.hpp"
+#include "harness/tool_test.hpp"
 #include "package/sample_package.hpp"
 
 namespace fs = std::filesystem;
@@ -78,6 +80,26 @@ TEST(PackageRules, SayWhatIsWrongWithAFile) {
         foundIn(files));
 }
 
+TEST(PackageRules, MissTheFolderOfThePrograms) {
+    samples_t samples = soundPackage();
+    std::erase_if(samples, [](const sample_t& sample) {
+        return sample.member.name.find("/tool") != std::string::npos;
+    });
+    EXPECT_EQ("tool/varnmenu: is missing; put it there\ntool/varnflash: is missing; put it there\n",
+              foundIn(samples));
+}
+
+TEST(PackageRules, LookIntoTheReleaseFile) {
+    samples_t samples = soundPackage();
+    sampleOf(samples, "releasefile-information.txt") =
+        sampleFile("varn/releasefile-information.txt",
+                   "VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=x\nIMAGE_NAME=a b\n");
+    EXPECT_EQ(
+        "releasefile-information.txt: IMAGE_NAME holds a blank; rename the image: the core "
+        "program would be given two names\n",
+        foundIn(samples));
+}
+
 TEST(PackageRules, LookNoFurtherIntoAClosedFolder) {
     package_files_t files = filesOf(soundPackage());
     files.erase("tool/varnmenu");
@@ -120,6 +142,22 @@ TEST_F(package_directory_test, MayHoldOtherThingsWhereNothingIsLookedFor) {
     fs::remove(at("fw.bin"));
     ASSERT_EQ(0, mkfifo(at("fw.bin").c_str(), 0600));
     EXPECT_EQ("fw.bin: is not a regular file; put the file itself there\n", found());
+}
+
+// From its own folder: the way to that may be closed to others.
+TEST_F(package_directory_test, SaysWhatItMayNotRead) {
+    fs::permissions(at("tool"), fs::perms(0700));
+    fs::permissions(at("fw.bin"), fs::perms(0600));
+    const fs::path before = fs::current_path();
+    fs::current_path(scratch.path());
+    ASSERT_EQ(0, seteuid(nobody));
+    const package_files_t files = filesBelow("varn");
+    ASSERT_EQ(0, seteuid(0));
+    fs::current_path(before);
+    EXPECT_EQ(
+        "fw.bin: cannot be read; chmod a+r it, or check as root\n"
+        "tool: cannot be entered; chmod a+rx it, or check as root\n",
+        foundIn(files));
 }
 
 TEST_F(package_directory_test, FailsWhenItCannotBeEntered) {

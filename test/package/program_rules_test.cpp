@@ -89,6 +89,7 @@ const std::string foreign = "p: is an ELF file that no system can run; put the r
 
 TEST(ProgramRules, KnowTheMachineOfAProgram) {
     EXPECT_EQ("x86_64", saidOf(programOf({})));
+    EXPECT_EQ("x86_64", saidOf(programOf({.type = ET_EXEC})));
     EXPECT_EQ("i386", saidOf(programOf({.is64 = false, .machine = EM_386, .type = ET_EXEC})));
     EXPECT_EQ("s390x", saidOf(programOf({.isBig = true, .machine = EM_S390})));
     EXPECT_EQ("ppc64", saidOf(programOf({.isBig = true, .machine = EM_PPC64})));
@@ -116,6 +117,17 @@ TEST(ProgramRules, FindWhatNoSystemCanStart) {
     EXPECT_EQ(cutOff, saidOf(programOf({}).substr(0, 63)));
     EXPECT_EQ(cutOff, saidOf(programOf({}).substr(0, 119)));
     EXPECT_EQ("x86_64", saidOf(programOf({}).substr(0, 120)));
+    const elf_t small{.is64 = false, .machine = EM_386};
+    EXPECT_EQ(cutOff, saidOf(programOf(small).substr(0, 51)));
+    EXPECT_EQ(cutOff, saidOf(programOf(small).substr(0, 83)));
+    EXPECT_EQ("i386", saidOf(programOf(small).substr(0, 84)));
+    bytes = programOf(small);
+    put(bytes, offsetof(Elf32_Ehdr, e_phoff), ~std::uint32_t{0}, false);
+    EXPECT_EQ(cutOff, saidOf(bytes));
+    put(bytes, offsetof(Elf32_Ehdr, e_phnum), std::uint16_t{0}, false);
+    EXPECT_EQ("i386" + noProgram, saidOf(bytes));
+    EXPECT_EQ("i386" + noProgram,
+              saidOf(programOf({.is64 = false, .machine = EM_386, .type = ET_REL})));
     for (const std::uint64_t table : {~std::uint64_t{0}, std::uint64_t{1000}}) {
         bytes = programOf({});
         put(bytes, offsetof(Elf64_Ehdr, e_phoff), table, false);
@@ -179,6 +191,14 @@ TEST(ElfNote, IsTakenOnlyIfItIsWhole) {
     EXPECT_EQ("", versionOf(other));
     other = whole;
     put(other, offsetof(Elf64_Ehdr, e_phentsize), std::uint16_t{8}, false);
+    EXPECT_EQ("", versionOf(other));
+    const elf_t small{.is64 = false};
+    other = programOf(small);
+    EXPECT_EQ("varnmenu 1.2.3", versionOf(other));
+    put(other, 52, std::uint32_t{PT_LOAD}, false);
+    EXPECT_EQ("", versionOf(other));
+    other = programOf(small);
+    put(other, offsetof(Elf32_Ehdr, e_phentsize), std::uint16_t{8}, false);
     EXPECT_EQ("", versionOf(other));
     other = whole;
     put(other, 120, std::uint32_t{0xffffffff}, false);

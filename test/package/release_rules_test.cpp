@@ -65,6 +65,17 @@ TEST(ReleaseRules, SayWhatIsWrongWithAValue) {
     }
 }
 
+TEST(ReleaseRules, MissEachKey) {
+    std::string all;
+    for (const auto& [id, key] : releaseKeys) {
+        const std::string name(key.substr(0, key.size() - 1));
+        all += start + name + " is missing; add a line that begins with " + name + "=\n";
+    }
+    EXPECT_EQ(all, foundIn(""));
+    EXPECT_EQ(start + "IMAGE_NAME is missing; add a line that begins with IMAGE_NAME=\n",
+              foundIn("VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=x\n"));
+}
+
 TEST(ReleaseRules, SayThatAValueIsEmpty) {
     for (const std::string value : {"", "\"\"", "\r"}) {
         EXPECT_NE(std::string::npos,

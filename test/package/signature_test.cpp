@@ -99,6 +99,8 @@ TEST_F(signature_test, IsTriedForEachLineThatListsTheKey) {
     expectSaid("signed by maker@b");
     list("git@a namespaces=\"git\"", "\"maker@b\"" + key);
     expectSaid("signed by maker@b");
+    list("maker@b", "maker@a" + key);
+    expectSaid("signed by maker@a");
     list("maker@b namespaces=\"git\"", "maker@b namespaces=\"file\"" + key);
     expectRefused(ofNobody);
 }
@@ -111,6 +113,8 @@ TEST_F(signature_test, SaysThatAPatternIsOne) {
     expectRefused("is no signature of bad@x for this archive", "bad@x");
     list("*@x", "*@y" + key);
     expectSaid("signed with a key listed for *@x", "good@x");
+    list("*@x", "*@y namespaces=\"git\"" + key);
+    expectSaid("signed with a key listed for *@x");
     list("maker@x", "maker@?" + key);
     expectSaid("signed by maker@x");
     list("!bad@x");
@@ -133,6 +137,10 @@ TEST_F(signature_test, SaysWhatToInstall) {
     EXPECT_EQ((outcome_t{1, "",
                          "varnmenu-package: this system has no ssh-keygen; install the client of "
                          "OpenSSH\n"}),
+              verify());
+    scratch.write("ssh-keygen", "");
+    environment["PATH"] = scratch.path().string();
+    EXPECT_EQ((outcome_t{1, "", "varnmenu-package: cannot run ssh-keygen: Permission denied\n"}),
               verify());
 }
 

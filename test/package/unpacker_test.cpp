@@ -143,8 +143,11 @@ TEST(Interruption, IsNoticedUnlessTheSignalIsIgnored) {
         EXPECT_THROW(awaitEvents({}), interrupted);
         EXPECT_THROW(openRegularFile(scratch.at("file")).readPieces([](std::string_view) {}),
                      interrupted);
-        signal(number, SIG_IGN);
+        signal(number, SIG_IGN);  // takes the one that is pending away
         EXPECT_NO_THROW(throwIfInterrupted());
+        raise(number);
+        EXPECT_NO_THROW(throwIfInterrupted());
+        signal(number, SIG_IGN);
         signal(number, SIG_DFL);
     }
 }
