@@ -14,7 +14,9 @@ constexpr unsigned othersWrite = 0022;
 constexpr unsigned ownersAll = 0700;
 constexpr unsigned ownersRead = 0400;
 
-bool isZeros(std::string_view bytes) { return bytes.find_first_not_of('\0') == bytes.npos; }
+bool isZeros(std::string_view bytes) {
+    return bytes.find_first_not_of('\0') == std::string_view::npos;
+}
 
 bool isPlainPath(std::string_view path) {
     for (;;) {
@@ -22,7 +24,7 @@ bool isPlainPath(std::string_view path) {
         if (!isPlainName(path.substr(0, slash))) {
             return false;
         }
-        if (slash == path.npos) {
+        if (slash == std::string_view::npos) {
             return true;
         }
         path.remove_prefix(slash + 1);

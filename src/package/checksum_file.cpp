@@ -18,13 +18,14 @@ void checkChecksum(const std::string& path, std::string_view text, const std::st
     const std::string name = archive.substr(archive.rfind('/') + 1);
     const std::string_view given = text.substr(0, digitCount);
     const std::string_view rest = text.substr(given.size());
-    if (text.find('\r') != text.npos) {
+    if (text.find('\r') != std::string_view::npos) {
         found.add(path, "has lines that end in CR LF", "end them as UNIX does");
     } else if (text.starts_with("SHA256 (")) {
         found.add(path, "is in the style of BSD", writeAgain);
-    } else if (given.size() < digitCount || given.find_first_not_of(allDigits) != given.npos) {
+    } else if (given.size() < digitCount ||
+               given.find_first_not_of(allDigits) != std::string_view::npos) {
         found.add(path, "holds no SHA-256 checksum", writeAgain);
-    } else if (given.find_first_not_of(lowerCaseDigits) != given.npos) {
+    } else if (given.find_first_not_of(lowerCaseDigits) != std::string_view::npos) {
         found.add(path, "is in upper case", writeAgain);
     } else if (rest != "  " + name + "\n" && rest != " *" + name + "\n") {
         found.add(path, "is not for " + printable(name) + " alone",

@@ -68,6 +68,7 @@ child_program::child_program(std::vector<std::string> words, std::string_view fi
 
 void child_program::start(std::vector<std::string>& words, int given, int file, errors_t kept) {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }

@@ -55,7 +55,7 @@ const command_t& commandOf(const std::string& name) {
 std::vector<option> optionTable(const command_t& command) {
     std::vector<option> table;
     for (const option_t& one : options) {
-        if (one.commands.find(command.name) != one.commands.npos) {
+        if (one.commands.find(command.name) != std::string_view::npos) {
             table.push_back({one.name, required_argument, nullptr, 0});
         }
     }

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::string_view noteOwner("FDO", 4);
+constexpr std::string_view noteOwner("FDO\0", 4);
 constexpr std::uint32_t packageNote = 0xcafe1a7e;
 
 struct machine_t {
@@ -56,7 +56,7 @@ std::size_t padded(std::size_t size) { return (size + 3) / 4 * 4; }
 std::string field(std::string_view object, const std::string& name) {
     const std::string key = '"' + name + "\":\"";
     const std::size_t found = object.find(key);
-    if (found == object.npos) {
+    if (found == std::string_view::npos) {
         return "";
     }
     const std::string_view rest = object.substr(found + key.size());
@@ -139,7 +139,11 @@ void elf_file::readNotes(std::string_view notes) {
         if (native(header.n_type) == packageNote && name == noteOwner) {
             const std::string program = field(text, "name");
             const std::string number = field(text, "version");
-            versionText = program.empty() || number.empty() ? "" : program + " " + number;
+            if (!program.empty() && !number.empty()) {
+                versionText = program;
+                versionText += ' ';
+                versionText += number;
+            }
         }
         notes.remove_prefix(std::min(padded(nameSize) + padded(textSize), notes.size()));
     }

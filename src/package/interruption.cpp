@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr std::initializer_list endings{SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM};
+constexpr std::initializer_list<int> endings{SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM};
 
 /// Blocked, a signal is kept even if it is ignored, as below nohup(1): leave that one out.
 sigset_t endingSignals() {

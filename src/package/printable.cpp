@@ -34,5 +34,5 @@ bool isPrintable(std::string_view text) { return std::ranges::all_of(text, isPri
 
 bool isPlainName(std::string_view name) {
     return !name.empty() && name.size() <= longestPlainName && name.front() != '.' &&
-           name.front() != '-' && name.find_first_not_of(plainCharacters) == name.npos;
+           name.front() != '-' && name.find_first_not_of(plainCharacters) == std::string_view::npos;
 }

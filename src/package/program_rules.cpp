@@ -12,7 +12,7 @@ void checkInterpreter(std::string_view path, std::string_view start, findings& f
     const std::string_view line = start.substr(0, longestFirstLine);
     std::string_view interpreter = line.substr(2, line.find('\n') - 2);
     interpreter.remove_prefix(std::min(interpreter.find_first_not_of(" \t"), interpreter.size()));
-    if (interpreter.find('\r') != interpreter.npos) {
+    if (interpreter.find('\r') != std::string_view::npos) {
         found.add(path, "has a carriage return in its first line", "end the lines as UNIX does");
     } else if (interpreter.empty()) {
         found.add(path, "names no interpreter", "write its path after the \"#!\"");

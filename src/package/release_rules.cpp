@@ -40,13 +40,13 @@ void checkValue(const std::string& name, std::string_view value, findings& found
         found.add(file, name + " is empty", "write its value after the \"=\"");
         return;
     }
-    if (text.find('"') != text.npos) {
+    if (text.find('"') != std::string_view::npos) {
         found.add(file, name + " holds a quote", "remove it: the tool would drop it");
     }
     if (!isPrintable(text)) {
         found.add(file, name + " holds a character other than printable ASCII", "remove it");
     }
-    if (text.find("$<") != text.npos) {
+    if (text.find("$<") != std::string_view::npos) {
         found.add(file, name + " holds \"$<\"", "remove it: varnmenu would make a pause of it");
     }
 }
@@ -109,10 +109,10 @@ std::size_t surplus(const std::string& image) {
 
 bool checkImageName(const std::string& image, findings& found) {
     const std::size_t tooMany = surplus(image);
-    if (image.find(' ') != image.npos) {
+    if (image.find(' ') != std::string::npos) {
         found.add(file, "IMAGE_NAME holds a blank",
                   "rename the image: the core program would be given two names");
-    } else if (image.find('/') != image.npos) {
+    } else if (image.find('/') != std::string::npos) {
         found.add(file, "IMAGE_NAME holds a slash",
                   "put the image beside this file, and write its bare name");
     } else if (tooMany > 0) {
@@ -138,7 +138,7 @@ std::optional<std::string> checkReleaseText(std::string_view text, findings& fou
         found.add(file, "is larger than 65536 bytes", "put the right file there");
         return std::nullopt;
     }
-    if (text.find('\0') != text.npos) {
+    if (text.find('\0') != std::string_view::npos) {
         found.add(file, "holds a NUL byte", "write it as plain ASCII text");
         return std::nullopt;
     }

@@ -52,7 +52,9 @@ std::vector<std::string> namesOf(const std::string& line) {
                  ',');
 }
 
-bool isPattern(const std::string& name) { return name.find_first_of("*?") != name.npos; }
+bool isPattern(const std::string& name) {
+    return name.find_first_of("*?") != std::string_view::npos;
+}
 
 /// Says why ssh-keygen has refused something, in its own words.
 void tellErrors(const child_program& program) {

@@ -123,7 +123,7 @@ INVENTORY
 
 # odd_play NAME USER
 odd_play() {
-    play "$1" fleet/flash.yml odd-inventory 'a package: good' -u "$2" --private-key "$WORK/a key" \
+    play "$1" fleet/flash.yml odd-inventory 'a folder: good/package' -u "$2" --private-key "$WORK/a key" \
         --ssh-common-args="-F none -o UserKnownHostsFile=$WORK/known_hosts"
 }
 
@@ -144,9 +144,8 @@ test_odd_words() {
     old_controller >"$WORK/server1/srv/varnflash.state"
     restart_as 1 odd
     mkdir "$WORK/server1/opt/it's here"
-    cp "$WORK/package.tar" "$WORK/a package: good.tar"
-    sed 's/package\.tar/a package: good.tar/' "$WORK/package.tar.sha256" \
-        >"$WORK/a package: good.tar.sha256"
+    mkdir "$WORK/a folder: good"
+    cp "$WORK/package.tar" "$WORK/package.tar.sha256" "$WORK/a folder: good"
     odd_inventory >"$WORK/odd-inventory"
 
     check 'who is not root is sent away' fails odd_play guest guest
