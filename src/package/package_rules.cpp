@@ -78,7 +78,7 @@ void checkDocuments(const package_files_t& files, findings& found) {
 /// controller.
 void checkEveryFile(const package_files_t& files, findings& found) {
     for (const auto& [path, file] : files) {
-        const std::string_view where = path.empty() ? "." : path;
+        const std::string where = path.empty() ? "." : path;
         if (file.kind == file_kind_t::link) {
             found.add(where, "is a symbolic link", "put the file itself there");
             continue;
