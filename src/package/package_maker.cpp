@@ -97,14 +97,16 @@ void archiveFile(const source_t& source, member_t member, archive_writer& archiv
 void archiveAll(const sources_t& sources, const std::string& folder, std::uint64_t time,
                 archive_writer& archive) {
     archive.begin({folder, true, programMode, 0, time});
+    std::string path = folder;
+    path += '/';
     std::string directory;
     for (const auto& [name, source] : sources) {
         const std::size_t slash = name.find('/');
         if (slash != std::string::npos && name.substr(0, slash) != directory) {
             directory = name.substr(0, slash);
-            archive.begin({folder + "/" + directory, true, programMode, 0, time});
+            archive.begin({path + directory, true, programMode, 0, time});
         }
-        const member_t member{folder + "/" + name, false, source.mode, source.text.size(), time};
+        const member_t member{path + name, false, source.mode, source.text.size(), time};
         if (!source.path.empty()) {
             archiveFile(source, member, archive);
         } else {

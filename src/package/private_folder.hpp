@@ -9,9 +9,10 @@
 class private_folder {
 public:
     /// @param parent an existing directory
-    /// @param name of what is made, a plain one; the folder becomes ".NAME." and a random number
+    /// @param made the name of what is made, a plain one; the folder becomes ".MADE." and a random
+    /// number
     /// @throws std::runtime_error when it cannot be made
-    private_folder(const std::string& parent, const std::string& name);
+    private_folder(const std::string& parent, const std::string& made);
     ~private_folder();
 
     private_folder(const private_folder&) = delete;

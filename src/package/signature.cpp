@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 #include "package/printable.hpp"
 
@@ -92,9 +93,11 @@ std::vector<std::string> namesListed(const std::string& signature, const std::st
 
 }  // namespace
 
-signature_check::signature_check(const std::string& archive, const std::string& signersFile,
-                                 const std::string& signerName, findings& found)
-    : signaturePath(archive + ".sig"), signersPath(signersFile), wanted(signerName) {
+signature_check::signature_check(const std::string& archive, std::string signersFile,
+                                 std::string signerName, findings& found)
+    : signaturePath(archive + ".sig"),
+      signersPath(std::move(signersFile)),
+      wanted(std::move(signerName)) {
     signers = openRegularFile(signersPath).read(largestSignersFile + 1);
     if (signers.size() > largestSignersFile) {
         throw std::runtime_error(printable(signersPath) + " is larger than a list of signers");

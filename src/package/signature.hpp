@@ -18,8 +18,8 @@ public:
     /// @param signersFile who may sign, see "ALLOWED SIGNERS" in ssh-keygen(1)
     /// @param signerName who has to have signed; empty for any of them
     /// @throws std::runtime_error when a file cannot be read or ssh-keygen not be run
-    signature_check(const std::string& archive, const std::string& signersFile,
-                    const std::string& signerName, findings& found);
+    signature_check(const std::string& archive, std::string signersFile, std::string signerName,
+                    findings& found);
 
     /// The next bytes of the archive.
     void take(std::string_view bytes);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <numeric>
+#include <ranges>
 #include <stdexcept>
 #include <string>
 
@@ -63,8 +64,8 @@ void put(ustar_header_t& header, const field_t& field, std::string_view bytes) {
 /// Digits that fill the field, and a NUL.
 void putNumber(ustar_header_t& header, const field_t& field, std::uint64_t value) {
     std::string digits(field.size - 1, '0');
-    for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit) {
-        *digit = static_cast<char>('0' + value % octal);
+    for (char& digit : std::views::reverse(digits)) {
+        digit = static_cast<char>('0' + value % octal);
         value /= octal;
     }
     if (value != 0) {

@@ -76,6 +76,13 @@ TEST(ArchiveReader, TakesFilesThatFillTheirBlocks) {
     EXPECT_EQ(samples, sink.samples);
 }
 
+// Of 21 blocks the last one is in a second record.
+TEST(ArchiveReader, GetsTwoBlocksOfZerosAtTheEnd) {
+    EXPECT_EQ(
+        40U * 512,
+        archiveOf({sampleFolder("varn"), sampleFile("varn/a", std::string(17 * 512, 'a'))}).size());
+}
+
 TEST(ArchiveReader, TakesTheOwnersNameRootAndEmptyDeviceNumbers) {
     for (const bool namesRoot : {false, true}) {
         for (const bool hasNumbers : {false, true}) {
