@@ -23,4 +23,13 @@ TEST(Progress, IsShownOnATerminalAndWipedOut) {
     EXPECT_EQ("\ra\\033: 25 %\r            \r", shownAfter(std::chrono::milliseconds(0)));
 }
 
+TEST(Progress, IsNotShownElsewhere) {
+    testing::internal::CaptureStderr();
+    {
+        progress shown("a", 200, std::chrono::milliseconds(0));
+        shown.add(50);
+    }
+    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+}
+
 TEST(Progress, IsNotShownOfAShortStep) { EXPECT_EQ("", shownAfter(std::chrono::hours(1))); }

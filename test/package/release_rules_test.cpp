@@ -49,6 +49,7 @@ TEST(ReleaseRules, SayWhatIsWrongWithAValue) {
         {"\xef\xbb\xbfSYSTEM=x\n",
          "begins with a byte order mark; write it as plain ASCII text: the tool would not see "
          "SYSTEM"},
+        {"SYSTEM=x\nSYSTEM=y\n", "SYSTEM is given 2 times; keep one of the lines"},
         {"SYSTEM=x\nSYSTEM=y\nSYSTEM=z\n", "SYSTEM is given 3 times; keep one of the lines"},
         {"SYSTEM=x\r\n", "SYSTEM holds a carriage return; end the lines as UNIX does"},
         {"SYSTEM=a\"b\n", "SYSTEM holds a quote; remove it: the tool would drop it"},

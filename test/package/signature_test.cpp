@@ -84,6 +84,9 @@ TEST_F(signature_test, IsRefusedFromAnybodyElse) {
     expectRefused("is no signature of other@example.com for this archive", "other@example.com");
     samples_t samples = soundPackage();
     sampleOf(samples, "readme.txt").content = "Text\n";
+    scratch.write("varn.tar", archiveOf(samples));
+    EXPECT_EQ("varn.tar: does not match the checksum in varn.tar.sha256; fetch both again\n",
+              verify().output);
     writeArchive(archiveOf(samples));
     expectRefused(ofNobody);
     scratch.write("varn.tar.sig", "no signature");
