@@ -1,9 +1,17 @@
 #include "docs/readtxt.hpp"
 
-#include <algorithm>
 #include <stdexcept>
 
 namespace {
+
+std::unordered_map<std::int32_t, std::string> makeDocumentTable() {
+    static const std::string documentDirectory = "../";
+    std::unordered_map<std::int32_t, std::string> documentTable;
+    for (const document_t& document : packageDocuments) {
+        documentTable.emplace(document.id, documentDirectory + std::string(document.fileName));
+    }
+    return documentTable;
+}
 
 std::unordered_map<std::int32_t, doc_id_t> makeDocumentMap(
     const std::vector<std::pair<int, int>>& pairs) {
@@ -12,16 +20,6 @@ std::unordered_map<std::int32_t, doc_id_t> makeDocumentMap(
         map.emplace(menuItem, static_cast<doc_id_t>(document));
     }
     return map;
-}
-
-std::string pathOf(doc_id_t id) {
-    const auto documents = documentTable();
-    const auto document = std::find_if(documents.begin(), documents.end(),
-                                       [id](const document_t& each) { return each.id == id; });
-    if (document == documents.end()) {
-        throw std::runtime_error("Text file is not defined");
-    }
-    return document->path;
 }
 
 }  // namespace
@@ -53,13 +51,17 @@ void readtxt::showDocument(int menuItem,
     if (document == documents.end()) {
         throw std::runtime_error("Text file not supported");
     }
-    const std::string path = pathOf(document->second);
-    if (!fileExists(path)) {
-        throw std::runtime_error("Text file is not present " + path);
+    const auto documentTable = makeDocumentTable();
+    const auto path = documentTable.find(document->second);
+    if (path == documentTable.end()) {
+        throw std::runtime_error("Text file is not defined");
+    }
+    if (!fileExists(path->second)) {
+        throw std::runtime_error("Text file is not present " + path->second);
     }
     for (const reader_prog_t& reader : readerList) {
         if (programExists(reader.name)) {
-            read_prog_handler(evalMode, reader).showFile(path);
+            read_prog_handler(evalMode, reader).showFile(path->second);
             return;
         }
     }

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "docs/document_table.hpp"
+#include "docs/package_documents.hpp"
 #include "docs/read_prog_handler.hpp"
 #include "support/support.hpp"
 

@@ -66,8 +66,8 @@ sources_t sourcesOf(const package_parts_t& parts) {
     add(sources, std::string(releaseFileName), {"", releaseText(parts)});
     add(sources, std::string(menuPath), {parts.tool, "", programMode});
     add(sources, std::string(corePathInPackage), {parts.core, "", programMode});
-    for (const document_t& document : documentTable()) {
-        const std::string name(document.fileName());
+    for (const document_t& document : packageDocuments) {
+        const std::string name(document.fileName);
         const std::string path = parts.documents + "/" + name;
         if (isThere(path)) {
             add(sources, name, {path, ""});  // the check tells of one that is missing

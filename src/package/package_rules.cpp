@@ -67,9 +67,9 @@ void checkPrograms(const package_files_t& files, findings& found) {
 }
 
 void checkDocuments(const package_files_t& files, findings& found) {
-    for (const document_t& document : documentTable()) {
+    for (const document_t& document : packageDocuments) {
         if (!document.isOptional) {
-            checkFile(files, document.fileName(), found);
+            checkFile(files, document.fileName, found);
         }
     }
 }

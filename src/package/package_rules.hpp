@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "docs/document_table.hpp"
+#include "docs/package_documents.hpp"
 #include "flash/operations.hpp"
 #include "package/findings.hpp"
 #include "package/package_contents.hpp"

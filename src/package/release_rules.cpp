@@ -92,8 +92,8 @@ std::string readImageName(const std::vector<std::string_view>& lines, findings& 
 
 bool isTaken(std::string_view image) {
     return image == releaseFileName ||
-           std::ranges::any_of(documentTable(), [&](const document_t& document) {
-               return document.fileName() == image;
+           std::ranges::any_of(packageDocuments, [&](const document_t& document) {
+               return document.fileName == image;
            });
 }
 

@@ -1,7 +1,7 @@
 #include <csignal>
 #include <ostream>
 
-#include "docs/document_table.hpp"
+#include "docs/package_documents.hpp"
 #include "harness/tool_test.hpp"
 
 namespace {
@@ -102,8 +102,8 @@ TEST_F(document_entry_test, ShowsEveryDocumentAndReturnsToTheMainMenu) {
     awaitMenu();
     showAll(legalScreen(), legal_menu::eula, legal_menu::gapAfterDocuments - 1);
     std::vector<std::string> expected;
-    for (const document_t& document : documentTable()) {
-        expected.push_back(std::string("less ") + document.path);
+    for (const document_t& document : packageDocuments) {
+        expected.push_back("less ../" + std::string(document.fileName));
     }
     EXPECT_EQ("less ../CopyrightsDebian", expected.back());
     expected.pop_back();

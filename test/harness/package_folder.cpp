@@ -9,7 +9,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "docs/document_table.hpp"
+#include "docs/package_documents.hpp"
 
 namespace fs = std::filesystem;
 
@@ -95,8 +95,8 @@ package_folder::package_folder() : folder(makeTemporaryFolder()) {
     fs::create_directory(programs());
     write("releasefile-information.txt", properReleaseInformation());
     write("fw.bin", "image\n");
-    for (const document_t& document : documentTable()) {
-        const std::string name = fs::path(document.path).filename();
+    for (const document_t& document : packageDocuments) {
+        const std::string name(document.fileName);
         write(name, "text of " + name + "\n");
     }
     addStandIn(tool() / "varnflash");

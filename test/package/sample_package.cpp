@@ -8,7 +8,7 @@
 #include <numeric>
 #include <set>
 
-#include "docs/document_table.hpp"
+#include "docs/package_documents.hpp"
 #include "package/archive_writer.hpp"
 #include "package/ustar_header.hpp"
 
@@ -31,8 +31,8 @@ sample_t sampleFolder(const std::string& name, unsigned mode) {
 
 samples_t soundPackage() {
     samples_t samples{sampleFolder("varn")};
-    for (const document_t& document : documentTable()) {
-        samples.push_back(sampleFile("varn/" + std::string(document.fileName()), "text\n"));
+    for (const document_t& document : packageDocuments) {
+        samples.push_back(sampleFile("varn/" + std::string(document.fileName), "text\n"));
     }
     samples.push_back(sampleFile("varn/fw.bin", std::string(1000, '\xff')));
     samples.push_back(
