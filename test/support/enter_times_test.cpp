@@ -50,7 +50,7 @@ TEST_F(enter_times_test, TakesTheNextOneAfterAnotherKeyForAPress) {
 }
 
 TEST_F(enter_times_test, GoesByTheMonotonicClock) {
-    EXPECT_TRUE(enter_times::clock_t::is_steady);
+    EXPECT_TRUE(bool{enter_times::clock_t::is_steady});
     enter_times::now = enter_times::clock_t::now;
     const auto before = enter_times::clock_t::now();
     EXPECT_LE(before, enter_times::now());
