@@ -101,7 +101,7 @@ TEST_F(flash_server_test, LetsAFlashGoOnThatTakesTooLong) {
     holdCoreProgram();
     const std::string outcome = flash("-t 1");
     EXPECT_TRUE(
-        outcome.starts_with("4 server: unclear: the core program has not ended within 1 seconds: "))
+        outcome.starts_with("5 server: unclear: the core program has not ended within 1 seconds: "))
         << outcome;
     expectFlashGoesOn();
 }
@@ -111,7 +111,7 @@ TEST_F(flash_server_test, TellsThatTheOutcomeIsNotKnown) {
     letCoreProgram("kill -KILL $$");
     EXPECT_EQ("4 server: unclear: [WARN] Command cannot be executed properly\n", flash());
     letCoreProgram("echo Erasing; kill -KILL $PPID");
-    EXPECT_EQ("4 server: unclear: the connection is gone: Erasing\n", flash());
+    EXPECT_EQ("5 server: unclear: the connection is gone: Erasing\n", flash());
 }
 
 // The core program says that it is done, and then that it is not; or it is killed after that.
@@ -119,7 +119,11 @@ TEST_F(flash_server_test, BelievesNoSuccessBeforeTheMenuIsBack) {
     assemble();
     letCoreProgram(
         "echo 'Image 1: Done.'; sleep 2; echo 'varnflash: image 2 cannot be written'; exit 1");
-    EXPECT_EQ("1 server: refused: varnflash: image 2 cannot be written\n", flash());
+    EXPECT_EQ(
+        "4 server: unclear: the core program said both: Image 1: Done. / varnflash: image 2 cannot "
+        "be "
+        "written\n",
+        flash());
     letCoreProgram("echo 'Image 1: Done.'; sleep 1; kill -KILL $$");
     EXPECT_EQ("4 server: unclear: [WARN] Command cannot be executed properly\n", flash());
 }
@@ -140,7 +144,7 @@ TEST_F(flash_server_test, TellsWhetherTheFlashHadBegunWhenItsInputEnds) {
     const std::string outcome = runShell(
         "cd " + tool + "; until [ -e begun ]; do sleep 0.1; done | " + script + "-w ./varnmenu");
     // It may end before it has read the line.
-    EXPECT_TRUE(outcome.starts_with("4 server: unclear: the session was ended during the flash"))
+    EXPECT_TRUE(outcome.starts_with("5 server: unclear: the session was ended during the flash"))
         << outcome;
     expectFlashGoesOn();
 }
@@ -149,6 +153,37 @@ TEST_F(flash_server_test, KeepsAReasonThatComesInPieces) {
     assemble();
     letCoreProgram("printf varnflash:; sleep 2; echo ' the image is too old'; exit 1");
     EXPECT_EQ("1 server: refused: varnflash: the image is too old\n", flash());
+}
+
+// It still writes, and what it prints looks like the end of a menu, or like a small one.
+TEST_F(flash_server_test, TakesNothingButTheMenuForTheMenu) {
+    assemble();
+    const std::string drawn = "'[1] Flash' '[2] Exit' '> 1' 'Varn-FW: 2.41' '(c)'";
+    letCoreProgram("echo Done.; printf '%s\\r\\n' " + drawn +
+                   "; sleep 1; echo 'varnflash: image 2 cannot be written'");
+    EXPECT_EQ(
+        "4 server: unclear: the core program said both: Done. / varnflash: image 2 cannot be "
+        "written\n",
+        flash());
+    EXPECT_TRUE(run("sh -c \"printf '%s\\r\\n' Welcome '> 1' a b; cd " +
+                    (folder() / "tool").string() + " && exec ./varnmenu\"")
+                    .starts_with("4 "));
+}
+
+TEST_F(flash_server_test, TakesALastLineWithoutItsEnd) {
+    assemble();
+    letCoreProgram("printf Done.");
+    EXPECT_EQ("0 server: flashed: Done.\n", flash());
+}
+
+TEST_F(flash_server_test, RunsACommandRightBeforeTheFlash) {
+    assemble();
+    const std::string note = (package.root() / "note").string();
+    letCoreProgram("cat " + note + "; echo Done.");
+    EXPECT_EQ("3 server: not started: no room\n", flash("-b 'echo no room; exit 1'"));
+    EXPECT_EQ("0 server: flashed: begun, Done.\n", flash("-b 'printf \"begun, \" >" + note + "'"));
+    EXPECT_TRUE(flash("-e Nothing -b 'echo twice >" + note + "'").starts_with("1 "));
+    EXPECT_EQ("begun, ", contentOf(note));
 }
 
 // The highlight stays on the entry: a second ENTER would flash again.
@@ -170,7 +205,8 @@ TEST_F(flash_server_test, PassesOverWhatIsNotTheCoreProgram) {
         "'i=0; while [ $i -lt 60 ]; do i=$((i + 1)); echo Welcome; done; cd " +
         (folder() / "tool").string() + " && exec ./varnmenu'";
     EXPECT_EQ("0 server: flashed: Done.\n", run("-f 'not written' sh -c " + start));
-    EXPECT_EQ("1 server: refused: varnflash: the first line\n", run("sh -c " + start));
+    EXPECT_EQ("4 server: unclear: the core program said both: Done. / varnflash: the first line\n",
+              run("sh -c " + start));
 }
 
 TEST_F(flash_server_test, TellsWhyNothingStarted) {
