@@ -7,9 +7,18 @@ PLAYER=
 host_lines() {
     for number; do
         echo "    $(name_of "$number"):"
-        echo "      ansible_host: $(address_of "$number")"
+        [ "$number" -ne 3 ] || echo "      ansible_ssh_host: $(address_of "$number")"
         case $(kind_of "$number") in
             hangs) printf '      varn_firmware_%s: 3\n' flash_seconds patience ;;
+            forks) echo '      varn_firmware_patience: 3' ;;
+            cut) echo "      varn_firmware_verify_command: cat /srv/varnflash.state" ;;
+            unverified) echo "      varn_firmware_verify_command: echo release2=${RELEASE}9" ;;
+            no-answer) echo "      varn_firmware_installed_command: echo could not open device; exit 1" ;;
+            never-answers)
+                echo "      varn_firmware_installed_command: sleep 20"
+                echo "      varn_firmware_command_seconds: 5"
+                ;;
+            chats) echo "      varn_firmware_log_bytes: 10000" ;;
         esac
     done
 }
@@ -24,9 +33,10 @@ inventory() {
     ansible_port: $PORT
     ansible_ssh_private_key_file: $WORK/a key
     ansible_ssh_common_args: >-
-      -F none -o UserKnownHostsFile=$WORK/known_hosts -o GlobalKnownHostsFile=/dev/null
-    varn_firmware_installed_command: cat /srv/varnflash.state
-    varn_firmware_installed_text: release2=$RELEASE
+      -F $WORK/ssh_config -o UserKnownHostsFile=$WORK/known_hosts -o GlobalKnownHostsFile=/dev/null
+    varn_firmware_installed_command: . /srv/varnflash.state; eval "echo it runs \\\$release\$active"
+    varn_firmware_installed_text: it runs ${RELEASE%.*}[.]${RELEASE#*.}
+    varn_firmware_verify_match: release2=$RELEASE
     varn_firmware_patience: 120
     varn_firmware_signers: $WORK/signers
     varn_firmware_package_tool: $PACKAGE_TOOL
@@ -39,7 +49,8 @@ playbook() {
     sed "s/serial: .*/serial: $1/; s/max_fail_percentage: .*/any_errors_fatal: true/" fleet/flash.yml
 }
 
-# start_play NAME PLAYBOOK INVENTORY PACKAGE [WORD...]: the output is kept in NAME.log. It is a process
+# start_play NAME PLAYBOOK INVENTORY PACKAGE [WORD...]: the output is kept in NAME.log. PACKAGE is "" where the
+# inventory names packages. It is a process
 # group of its own, "PLAYER", which SIGINT ends as Ctrl-C does.
 start_play() {
     say "$1"
@@ -50,7 +61,7 @@ start_play() {
     shift 4
     ANSIBLE_CONFIG=$PWD/fleet/ansible.cfg ANSIBLE_HOME=$WORK/ansible ANSIBLE_REMOTE_TMP=$WORK/tmp \
         ANSIBLE_NOCOLOR=1 setsid env --default-signal=INT,QUIT ansible-playbook "$playbook" \
-        -i "$WORK/$hosts" -e "{\"varn_firmware_archive\": \"$WORK/$package.tar\"}" "$@" \
+        -i "$WORK/$hosts" ${package:+-e "{\"varn_firmware_archive\": \"$WORK/$package.tar\"}"} "$@" \
         >"$log" 2>&1 </dev/null &
     PLAYER=$!
 }

@@ -1,23 +1,11 @@
 #!/bin/sh
 # Part of script/fleet-test: the simulated servers, numbered from 1. The folder of each holds
 #
-#   opt, srv             its own /opt and /srv; srv/kind says what ails it
+#   opt, srv, lib        its own /opt, /srv and /var/lib; srv/kind says what ails it
+#   machine-id           its /etc/machine-id; srv/boot_id is that of its kernel
 #   sshd_config          that of its sshd
 #   srv/sshd.log         what its sshd says
 #   pid                  unshare(1), in whose namespaces it lives
-
-kinds='healthy refuses dies hangs fails-late cut unreachable at-work installed wrong-machine full unknown-key'
-
-# kind_of NUMBER: its kind in the first runs.
-kind_of() {
-    # shellcheck disable=SC2086 # a list of words
-    set -- "$1" $kinds
-    if [ "$1" -lt $# ]; then
-        eval "printf '%s\n' \"\${$(($1 + 1))}\""
-    else
-        echo healthy
-    fi
-}
 
 name_of() { printf 'server%d\n' "$1"; }
 folder_of() { printf '%s/server%d\n' "$WORK" "$1"; }
@@ -27,26 +15,6 @@ each_server() { seq 1 "$SERVERS"; }
 # Free at every address, so at those of the servers.
 free_port() {
     python3 -c 'import socket; s = socket.socket(); s.bind(("", 0)); print(s.getsockname()[1])'
-}
-
-# ---- controllers -----------------------------------------------------------
-
-# controller RELEASE1 RELEASE2 NEXT [ACTIVE]: the state of a controller, as varnflash keeps it.
-controller() {
-    printf 'active=%s\nnext=%s\nrelease1=%s\nrelease2=%s\nispfr=0\nstep=0\n' \
-        "${4:-1}" "$3" "$1" "$2"
-}
-
-old_controller() { controller 2.10 2.10 1; }
-flashed_controller() { controller 2.10 "$RELEASE" 2; }
-
-# controller_of NUMBER: the state before the first run.
-controller_of() {
-    case $(kind_of "$1") in
-        refuses) controller "$RELEASE" 2.10 1 ;;
-        installed) flashed_controller ;;
-        *) old_controller ;;
-    esac
 }
 
 # ---- making ----------------------------------------------------------------
@@ -67,11 +35,15 @@ USERS
 
 make_server() {
     folder=$(folder_of "$1")
-    mkdir -p "$folder/opt" "$folder/srv"
+    mkdir -p "$folder/opt" "$folder/srv" "$folder/lib"
+    [ -e /etc/machine-id ] || : >/etc/machine-id
+    printf '%032d\n' "$1" >"$folder/machine-id"
+    cat /proc/sys/kernel/random/uuid >"$folder/srv/boot_id"
+    printf 'Host %s\n    HostName %s\n' "$(name_of "$1")" "$(address_of "$1")" >>"$WORK/ssh_config"
     kind_of "$1" >"$folder/srv/kind"
     : >"$folder/srv/runs"
     cp demo/varnflash "$folder/srv/varnflash"
-    controller_of "$1" >"$folder/srv/varnflash.state"
+    controller_of "$(kind_of "$1")" >"$folder/srv/varnflash.state"
     make_key "$folder/host_key" ''
     cat >"$folder/sshd_config" <<CONFIG
 ListenAddress $(address_of "$1"):$PORT
@@ -161,15 +133,6 @@ restart_as() {
     : >"$folder/srv/runs"
     start_server "$1"
     await_server "$1"
-}
-
-# Repairs a server. Its controller is left as it is, except for the one that refuses.
-heal_server() {
-    case $(kind_of "$1") in
-        refuses) old_controller >"$(folder_of "$1")/srv/varnflash.state" ;;
-        unknown-key) make_known "$1" ;;
-    esac
-    restart_as "$1" healthy
 }
 
 # inside NUMBER COMMAND [WORD...]: runs it among the processes of a server.
