@@ -90,8 +90,9 @@ test_first_run() {
     wait "$measure"
     check_servers first
     check 'a session has a log' grep -q 'Verifying 100%' "$WORK/report/latest/server1.log"
-    check 'a summary says what to do' \
-        grep -q ' -e varn_firmware_acknowledge=server3,server4,server5' "$WORK/first.log"
+    if [ "$SERVERS" -ge 3 ]; then
+        check 'a summary says what to do' grep -q ' -e varn_firmware_acknowledge=server3' "$WORK/first.log"
+    fi
 }
 
 test_more_kinds() {

@@ -120,6 +120,7 @@ def unpack(request):
             raise Refused("what has been copied is not the package that was verified; run it again")
         file.seek(0)
         with tarfile.open(fileobj=file) as archive:
+            archive.extraction_filter = getattr(tarfile, "data_filter", None)  # newer Pythons want to be told
             for member in archive:
                 if not member.isreg() and not member.isdir():
                     raise Refused("{} in the package is neither a file nor a folder".format(member.name))

@@ -53,6 +53,7 @@ def verify_and_unpack(copy, into, request):
     if done.returncode != 0:
         raise Bad(done.stdout.strip().replace(copy, os.path.basename(copy)) or f"status {done.returncode}")
     with tarfile.open(copy) as archive:
+        archive.extraction_filter = getattr(tarfile, "data_filter", None)  # newer Pythons want to be told
         archive.extractall(into)
     return os.path.join(into, os.listdir(into)[0])
 
