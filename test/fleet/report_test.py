@@ -65,6 +65,10 @@ class Report(unittest.TestCase):
         for outcome in set(report.ADVICE) | {"refused", "not started"}:
             self.assertIn(outcome, report.ADVICE)
 
+    def test_a_summary_between_two_batches_gives_no_advice(self):
+        told = report.summary(self.folder, {"a": FLASHED, "b": {**FLASHED, "outcome": "not tried"}})
+        self.assertEqual(["a: flashed, 3 s: Done.", f"1 flashed, 1 not tried; see {self.folder}"], told["lines"])
+
     def test_each_run_has_a_folder_and_keeps_it(self):
         with subprocess.Popen(["sleep", "100"]) as other:
             first = report.start(self.folder, str(os.getpid()), ["a", "b"])
