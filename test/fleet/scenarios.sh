@@ -19,6 +19,8 @@ test_bad_packages() {
     sed 's/serial: .*/strategy: free/' fleet/flash.yml >"$WORK/free.yml"
     check 'the strategy "free" is refused' fails play free "$WORK/free.yml" inventory package
     check 'it is told why' grep -q 'Remove "strategy: free"' "$WORK/free.log"
+    check 'a pattern that is none is refused' fails play pattern fleet/flash.yml inventory package \
+        -e varn_firmware_verify_match='('
     check 'nobody has connected to any server' unheard
 }
 
