@@ -21,7 +21,7 @@ INVENTORY
 
 # odd_play NAME USER
 odd_play() {
-    play "$1" fleet/flash.yml odd-inventory 'a package: good' -u "$2" --private-key "$WORK/a key" \
+    play "$1" fleet/flash.yml odd-inventory 'a folder: good/package' -u "$2" --private-key "$WORK/a key" \
         --ssh-common-args="-F none -o UserKnownHostsFile=$WORK/known_hosts"
 }
 
@@ -41,9 +41,8 @@ PYTHON
 test_odd_words() {
     prepare 1 odd
     mkdir -p "$WORK/server1/opt/it's here"
-    cp "$WORK/package.tar" "$WORK/a package: good.tar"
-    sed 's/package\.tar/a package: good.tar/' "$WORK/package.tar.sha256" \
-        >"$WORK/a package: good.tar.sha256"
+    mkdir "$WORK/a folder: good"
+    cp "$WORK/package.tar" "$WORK/package.tar.sha256" "$WORK/a folder: good"
     odd_inventory >"$WORK/odd-inventory"
 
     check 'who is not root is sent away' fails odd_play guest guest

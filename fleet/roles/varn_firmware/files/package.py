@@ -42,8 +42,9 @@ def copy_of(archive, folder):
     return os.path.join(folder, os.path.basename(archive))
 
 
-def verify_and_unpack(copy, into, request):
-    words = [request["tool"], "verify", copy]
+def unpack(copy, into, request):
+    """What is written is what was verified, byte by byte."""
+    words = [request["tool"], "unpack", copy, "--into", into]
     words += ["--signers", request["signers"]] if request["signers"] else []
     words += ["--signer", request["signer"]] if request["signer"] else []
     try:
@@ -52,9 +53,6 @@ def verify_and_unpack(copy, into, request):
         raise Bad(f"{failure}: install varnmenu-package(1) here, or set varn_firmware_package_tool") from None
     if done.returncode != 0:
         raise Bad(done.stdout.strip().replace(copy, os.path.basename(copy)) or f"status {done.returncode}")
-    with tarfile.open(copy) as archive:
-        archive.extraction_filter = getattr(tarfile, "data_filter", None)  # newer Pythons want to be told
-        archive.extractall(into)
     return os.path.join(into, os.listdir(into)[0])
 
 
@@ -83,7 +81,7 @@ def prepare(archive, number, folder, request):
     with tempfile.TemporaryDirectory(dir=folder) as work:
         os.mkdir(work + "/unpacked")
         copy = copy_of(archive, work)
-        package = verify_and_unpack(copy, work + "/unpacked", request)
+        package = unpack(copy, work + "/unpacked", request)
         packed = f"{folder}/{number}.tar"
         pack(package, packed)
         return {"sha256": checksum(copy), "release": release_of(package), "machine": machine_of(package),
