@@ -24,9 +24,9 @@ public:
     /// over or the wait failed. A wait that a signal interrupts is repeated, up to 10 waits in all.
     bool waitReadable(int milliseconds, const std::function<bool()>& settle = {}) const;
 
-    /// Ends the watch, but leaves its epoll descriptor open for the rest of the process: a fixed
-    /// trait of the reader, made harmless. It watches nothing, no child inherits it, and
-    /// setUpProcess makes room for it.
+    /// Ends the watch, but leaves its epoll descriptor open for the rest of the process: that each
+    /// key takes a descriptor is part of how the program behaves, and is kept. It does no harm, as
+    /// it watches nothing, no child inherits it, and setUpProcess makes room for it.
     void leaveOpen();
 
 private:

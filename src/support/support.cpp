@@ -83,7 +83,7 @@ int support::runProgram(const std::string& command, output_t output) const {
     }
     spawn_file_actions actions;
     if (output != output_t::shown) {
-        // Read-only, the child learns that its output is refused, not lost.
+        // Opened read-only, so that the child's writes fail instead of vanishing.
         actions.openNullDevice(output == output_t::discarded ? O_WRONLY : O_RDONLY);
     }
     // What was printed so far comes before what the child prints.

@@ -83,9 +83,8 @@ TEST_F(hostile_bytes_test, EveryByteAloneHasItsResult) {
     }
 }
 
-// A second byte, whichever it is, makes a key that the menu does not know, as a longer sequence
-// does; it is passed over without a word, and with an ENTER or a digit in it, it confirms and moves
-// nothing.
+// ESC plus any byte is an unknown key, like any longer sequence. It is ignored without a warning;
+// an ENTER in it confirms nothing, and a digit moves nothing.
 TEST_F(hostile_bytes_test, EveryByteAfterAnEscapeIsPassedOver) {
     startAtReadme();
     const std::size_t runs = package.runs().size();

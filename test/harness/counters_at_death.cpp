@@ -17,8 +17,8 @@ namespace {
 
 std::array<void (*)(int), NSIG> handlers{};
 
-/// Runs the handler that was asked for. When that has raised the signal anew it is pending now, as
-/// it is blocked until here, and the process dies with the next step.
+/// Runs the handler that was asked for. The handler re-raises the signal; blocked so far, it is
+/// delivered as soon as this returns.
 void runHandlerAndKeepCounters(int signal) {
     handlers.at(static_cast<std::size_t>(signal))(signal);
     sigset_t pending;
