@@ -43,7 +43,7 @@ constexpr std::array ratioBounds{
     ratio_bound_t{"peak memory / dialog", peak_memory, dialog, 1},
 };
 
-/// Our figure is so much at the most, with every sample.
+/// No sample of our figure may be greater.
 struct plain_bound_t {
     const char* what;
     figure_id_t figure;

@@ -1,6 +1,6 @@
-// The least that a program has to do to show the main menu: the yardstick of the bench, nothing to
-// ship. It takes what every menu must take from the system and draws the same bytes as varnmenu,
-// but has no second menu, no documents, no flash, no care for signals and hardly any for errors.
+// The least that a program has to do to show the main menu: the yardstick of the bench, never
+// shipped. It asks the system for what every menu needs and draws the same bytes as varnmenu, but
+// has no second menu, no documents and no flash, ignores signals and hardly checks for errors.
 //
 //   limit             the bare menu
 //   limit watch       opens an epoll descriptor for each key and never closes it, as varnmenu does
@@ -160,7 +160,7 @@ static bool redrawMenu(void) {
     return drawMenu();
 }
 
-// False for a key that ends the menu.
+// Returns false for a key that ends the menu.
 static bool takeKey(const char* key, size_t length) {
     const bool isSequence = length > 2 && key[0] == '\033';
     if (isSequence && memcmp(key + 2, sequence.up + 2, length - 2) == 0) {
@@ -175,7 +175,7 @@ static bool takeKey(const char* key, size_t length) {
     return true;
 }
 
-// Takes the mode back if somebody has changed it, and waits until the drawing has been shown.
+// Sets the mode again if somebody has changed it, and waits until the drawing has been sent.
 static void settle(void) {
     struct termios now;
     if (tcgetattr(STDIN_FILENO, &now) == 0 && now.c_lflag != ownMode.c_lflag) {
@@ -184,7 +184,7 @@ static void settle(void) {
     tcdrain(STDOUT_FILENO);
 }
 
-// Throws away what was typed before, or what follows the bytes of a key.
+// Discards what was typed before, or what follows the bytes of a key.
 static void readRest(void) {
     char bytes[64];
     while (read(STDIN_FILENO, bytes, sizeof bytes) > 0) {

@@ -5,7 +5,8 @@
 
 namespace {
 
-/// Looks for the same keys as the tool. Without a terminal to print on it would not read it all.
+/// Searches for the same keys as varnmenu. With /dev/null as output, it would stop at the first
+/// one.
 contestant_t makeGrep(const std::string& package) {
     return {"grep",
             package,

@@ -15,15 +15,16 @@ struct extent_t {
     std::size_t longFileReads;  ///< of every release file
 };
 
-// All contestants take turns, so that what else the machine does meets them alike.
+// All contestants take turns, so that other load on the machine affects them alike.
 
-/// From right before the start to the last byte of the first frame.
+/// From just before the start to the last byte of the first frame.
 void measureStart(const contestants_t& contestants, const extent_t& extent, figures_t& figures);
 
-/// What an arrow key and a digit cost, and the memory that is taken by then.
+/// What an arrow key and a digit cost, and the memory used by then.
 void measureKeys(const contestants_t& contestants, const extent_t& extent, figures_t& figures);
 
-/// The processor time of those who wait: all at the menu, ours at a warning and after a flash, too.
+/// The processor time of waiting programs: all at the menu, ours also at a warning and after a
+/// flash.
 void measureIdle(const contestants_t& contestants, const extent_t& extent, figures_t& figures);
 
 /// The system calls of the program itself up to the first frame and for each arrow key, see

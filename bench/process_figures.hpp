@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-// What proc(5) tells of what a process has used so far. All throw std::runtime_error where it does
-// not tell.
+// What a process has used so far, according to proc(5). All throw std::runtime_error if the figure
+// is missing there.
 
 /// @return the processor time of the main thread, in nanoseconds, see /proc/PID/schedstat
 std::int64_t processorTime(pid_t process);

@@ -1,4 +1,4 @@
-// Telling what a key is. Reading one takes a terminal, and is measured with the program itself.
+// Recognising a key. Reading one needs a terminal, so it is measured with the program itself.
 
 #include <benchmark/benchmark.h>
 

@@ -89,7 +89,7 @@ void timed_session::press(std::string_view key) {
     }
 }
 
-/// Nothing comes where the time is over or the program has ended.
+/// @return 0 if the time is over or the program has ended
 std::size_t timed_session::readSome(int milliseconds) {
     pollfd waiting{pty.master(), POLLIN, 0};
     if (poll(&waiting, 1, milliseconds) <= 0) {

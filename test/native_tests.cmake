@@ -27,7 +27,7 @@ leave_to_hardware(support_tests
 leave_to_hardware(app_tests
     ProcessSetup.KeepsOutputTogetherUntilItIsFlushed)
 
-# The emulator lets posix_spawn succeed whatever it is to start.
+# With the emulator, posix_spawn always succeeds, even if the program cannot be started.
 leave_to_hardware(support_tests
     runner_test.FailsWhenTheProgramCannotBeStarted
     runner_test.PassesOnTheRunnersFailureWhenLookingForAProgram)
@@ -36,7 +36,7 @@ leave_to_hardware(flash_tests
 leave_to_hardware(docs_tests
     readtxt_test.FailsWithoutClear)
 
-# The emulator leaves signals of its own in what a child inherits.
+# The emulator adds signals to those that a child inherits.
 leave_to_hardware(flash_tests
     flashtools_test.RunsTheCoreProgramWithHangUpsIgnored)
 
@@ -45,6 +45,6 @@ leave_to_hardware(support_tests
     TypeAhead.TakesNoMemory
     support_test.WaitsAtEndOfFileWithoutSpinning)
 
-# The emulator opens files of its own in the root folder that the test leaves.
+# The emulator opens files in the root folder, which the test has left.
 leave_to_hardware(app_tests
     ProcessSetup.KeepsTheNumberOfAClosedDescriptorWithoutANullDevice)

@@ -18,10 +18,10 @@ public:
     /// @param evaluate true: a scripted walk through both menus, without any flash or reboot, is
     /// queued instead of checking for root
     /// @throws menu_exception when the user is not root
-    /// @throws std::invalid_argument when the terminal, the environment or the package is unfit
+    /// @throws std::invalid_argument when the terminal, the environment or the package is unusable
     explicit gui(bool evaluate);
 
-    /// Shows the current menu and carries out what is chosen, for ever. A run-time error is
+    /// Shows the current menu and carries out each choice, for ever. A run-time error is
     /// reported as a warning; every other exception ends the loop.
     [[noreturn]] void run();
 
@@ -38,7 +38,7 @@ public:
     void runEvaluation();
 
     /// Queues the keys that lead from the menu's highlighted line to target and confirm it; none
-    /// where the menu has no such line.
+    /// if the menu has no such line.
     /// @param menu the simulated menu; its highlight moves along
     void scriptSelection(menu_elem_t& menu, menu_item_t target);
 

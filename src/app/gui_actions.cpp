@@ -8,7 +8,7 @@
 
 namespace {
 
-/// By menu index, so that either callback knows Exit whichever menu it serves.
+/// By menu index, so that both callbacks recognise Exit in both menus.
 constexpr std::array<menu_item_t, 2> exitLines{main_menu::exit, legal_menu::exit};
 
 }  // namespace
@@ -30,7 +30,7 @@ void gui::onMainMenuSelect(menu_item_t item) {
             showText(item, text_readme);
             break;
         default:
-            // The title, too, where nothing was highlighted: it has no operation, and that is said.
+            // Also for the title, if nothing was highlighted: it has no operation, hence a warning.
             runOperation(item);
     }
 }
@@ -45,7 +45,7 @@ void gui::onLegalMenuSelect(menu_item_t item) {
 }
 
 void gui::checkAdministrator() {
-    // Not geteuid: it is about the person, not about a set-user-ID file.
+    // Not geteuid: what counts is the person, not a set-user-ID file.
     if (getuid() != 0) {
         throw menu_exception("program started without administrator privileges");
     }

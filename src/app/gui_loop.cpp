@@ -66,15 +66,15 @@ void gui::reportWarning(const std::string& text) {
 
 void gui::printWarning() {
     trace(trace_warning, warning, newLines(2));
-    // The key is repeated in it, and an ESC would swallow the prompt that follows.
+    // The warning repeats the key, and an ESC would swallow the prompt that follows.
     if (hasControlCharacter(warning)) {
         screenCommand(screen_reset_attributes);
     }
 }
 
-/// Before every wait for a key: takes the terminal's mode back from whoever has changed it, and
-/// where the screen may not be the same any more, shows anew what was on it.
-/// @return true when that was so
+/// Before every wait for a key: sets the terminal's mode again if somebody has changed it, and
+/// draws the screen again if something else may be on it.
+/// @return true when it has drawn
 bool gui::repaint() {
     resumeMode();
     if (!screen_watch::hasChanged()) {
@@ -89,8 +89,8 @@ bool gui::repaint() {
     return true;
 }
 
-/// Clears what somebody else may have drawn, who may have left the terminal in any colour and with
-/// its cursor in sight.
+/// Clears what somebody else may have drawn, and left the terminal in any colour and with a visible
+/// cursor.
 void gui::takeScreen() {
     screenCommand(screen_reset_attributes);  // or the terminal would clear in that colour
     screenCommand(screen_clear);
@@ -131,7 +131,7 @@ void gui::composeHeader(menu_elem_t& menu) const {
     menu.lines.at(menu.informationLine).text = information;
 }
 
-/// Draws over the last drawing where that is whole on the screen, and anew where it is not.
+/// Draws over the last drawing if all of it is on the screen, and on a cleared screen if not.
 void gui::redrawLines(const menu_elem_t& menu) {
     const auto count = static_cast<int>(menu.lines.size());
     const window_size_t window = windowSize();
@@ -150,7 +150,7 @@ void gui::drawLines(const menu_elem_t& menu) {
     for (const auto& [item, line] : menu.lines) {
         drawLine(menu, item, line);
     }
-    // A failure is passed over: the keys still work, and with them the way out.
+    // A failure is ignored: the keys still work, and so does Exit.
     std::fflush(stdout);
 }
 
@@ -192,9 +192,9 @@ menu_item_t gui::readSelection(menu_elem_t& menu) {
     }
 }
 
-/// An ENTER on an operation has to be one press: the key that ended the last flash may still be
-/// held down, and the rest of its own line end would end the wait after the operation before
-/// anybody has seen the result.
+/// An ENTER on an operation must be a single press: the key that ended the last flash may still be
+/// held down. What follows it is discarded: the rest of a line end of two bytes would end the wait
+/// after the operation before anybody has seen the result.
 bool gui::isConfirmed(menu_item_t item) {
     if (evalMode || currentMenu != index_main || !isOperation(item)) {
         return true;

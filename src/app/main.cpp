@@ -17,7 +17,7 @@ void waitBeforeClosing() {
     try {
         support().waitForEnter("Press ENTER to continue...");
     } catch (const std::invalid_argument&) {
-        // Without PATH, TERM or a working directory there is nothing to wait with: just end.
+        // Without PATH, TERM or a working directory, support cannot wait: just end.
     }
 }
 
@@ -34,7 +34,7 @@ int main(int argc, char** argv) {
         application.run();
     } catch (const menu_exception& end) {
         const support services;  // without a working directory the program cannot name itself
-        // Spelt like this for good: whoever watches the output may wait for this very line.
+        // The spelling must stay: scripts may wait for exactly this line.
         log.trace(trace_plain,
                   "Exitting program '" + support::fileName(programWord) + "' due to " + end.what(),
                   "");
@@ -48,5 +48,5 @@ int main(int argc, char** argv) {
     } catch (...) {
         log.trace(trace_critical, "Unknown exception", "");
     }
-    return 0;  // after an error, too: its reader is a person; a signal still shows
+    return 0;  // after an error, too: a person reads the message; a signal still shows
 }

@@ -37,30 +37,30 @@ void numberLines(menu_elem_t& menu);
 
 bool isSelectable(const menu_elem_t& menu, menu_item_t item);
 
-/// @return where key-up leads from item; item itself where it leads nowhere. From a line that
-/// cannot be selected (the start) it leads to the first one below it that can.
+/// @return where key-up leads from item; item itself if it leads nowhere. From a line that
+/// cannot be selected (at the start) it leads to the first one below it that can.
 menu_item_t lineAbove(const menu_elem_t& menu, menu_item_t item);
 
-/// @return where key-down leads from item; item itself where it leads nowhere
+/// @return where key-down leads from item; item itself if it leads nowhere
 menu_item_t lineBelow(const menu_elem_t& menu, menu_item_t item);
 
 /// @return the selectable line with this shown number
 std::optional<menu_item_t> lineWithNumber(const menu_elem_t& menu, std::int32_t number);
 
-/// @return what stands before the line's text: its shown number in brackets, if it has one
+/// @return the text before the line's own: its shown number in brackets, if it has one
 std::string numberPrefix(const menu_line_t& line);
 
-/// @return what stands after the prompt: the shown number of the highlighted line, as wide as
+/// @return the text after the prompt: the shown number of the highlighted line, as wide as
 /// the menu's greatest one so that it covers what it replaces; empty while nothing is highlighted
 std::string promptNumber(const menu_elem_t& menu);
 
-/// @return true when the text may lead a terminal elsewhere than to the next column, or into the
-/// middle of a sequence
+/// @return true when the text may move the cursor elsewhere than to the next column, or leave the
+/// terminal in the middle of a sequence
 bool hasControlCharacter(const std::string& text);
 
-/// What menuWidth says of a menu with a control character: nobody knows how wide that is.
+/// The menuWidth of a menu with a control character, whose width nobody knows.
 inline constexpr int unknownWidth = std::numeric_limits<int>::max();
 
-/// @return the columns that the widest line takes, whatever is highlighted, or unknownWidth; no
-/// less than it really takes, as every byte counts for one
+/// @return how many columns the widest line takes, whatever is highlighted, or unknownWidth; never
+/// too few, as every byte counts as a column
 int menuWidth(const menu_elem_t& menu);

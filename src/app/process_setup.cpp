@@ -17,7 +17,7 @@ constexpr rlim_t mostDescriptors = 65'536;
 constexpr std::size_t outputBufferSize = 65'536;
 std::array<char, outputBufferSize> outputBuffer;
 
-/// What a parent has blocked or ignored would be so in the child programs, too.
+/// Child programs would inherit what a parent has blocked or ignored.
 void resetSignals() {
     sigset_t none;
     sigemptyset(&none);
@@ -27,12 +27,12 @@ void resetSignals() {
     }
 }
 
-/// What is opened next would otherwise become standard error: of a core program, say, the firmware
-/// image, and its messages would be written into it.
+/// Otherwise, the next file that is opened would become standard error: in a core program, that
+/// may be the firmware image, and its messages would be written into the image.
 void openStandardDescriptors() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        // What is opened takes the lowest number that is free: this one. Where there is no null
-        // device, the root folder takes it, which cannot be written to either.
+        // open(2) takes the lowest free number: this one. If there is no null device, the root
+        // folder takes its place, which cannot be written to either.
         const int mode = descriptor == STDIN_FILENO ? O_RDONLY : O_WRONLY;
         const bool isOpen = fcntl(descriptor, F_GETFD) != -1 || open("/dev/null", mode) != -1;
         static_cast<void>(isOpen || open("/", O_PATH) != -1);

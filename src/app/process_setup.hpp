@@ -2,7 +2,7 @@
 
 #include <sys/resource.h>
 
-/// Makes the process what the rest of the program relies on, whoever started it: the standard
+/// Brings the process into the state that all else relies on, whoever started it: the standard
 /// descriptors open (the null device stands in for one that was closed), no signal blocked, none
 /// ignored that a child would inherit (terminal_guard sees to the others), room for the one
 /// descriptor that each key leaves open, and standard output that reaches the terminal in one piece

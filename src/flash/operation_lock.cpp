@@ -14,8 +14,8 @@ constexpr mode_t forOwner = 0600;
 
 }  // namespace
 
-// Not closed on exec: that the core program inherits it is what it is for. Nor followed is a link,
-// which would let another file be made.
+// Not closed on exec, because the core program has to inherit it. Links are not followed, because
+// one could make open(2) create another file.
 operation_lock::operation_lock() : file(open(path, O_RDWR | O_CREAT | O_NOFOLLOW, forOwner)) {
     if (file != none && flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         close(file);
@@ -23,7 +23,7 @@ operation_lock::operation_lock() : file(open(path, O_RDWR | O_CREAT | O_NOFOLLOW
     }
 }
 
-// Closed, not unlocked: that would unlock it for all who have inherited it.
+// Closed, not unlocked: unlocking would take the lock from all processes that have inherited it.
 operation_lock::~operation_lock() {
     if (file != none) {
         close(file);

@@ -1,13 +1,13 @@
 #pragma once
 
-/// Keeps two flashes from being at work on one machine, whoever starts them; see flock(2). Programs
-/// that are started while it lives inherit it: it stays locked as long as one of them is at work,
-/// or what it leaves behind, whatever becomes of this process.
+/// Lets only one flash at a time run on a server, whoever starts it; see flock(2). Programs that
+/// are started while it lives inherit it: it stays locked until they, and all processes that they
+/// leave running, have ended, even if this process ends earlier.
 class operation_lock {
 public:
     static constexpr const char* path = "/run/varnmenu.lock";
 
-    /// Where the file cannot be opened there is no lock, and nothing is said.
+    /// If the file cannot be opened, there is no lock and no message.
     /// @throws std::runtime_error when somebody else holds the lock
     operation_lock();
     ~operation_lock();

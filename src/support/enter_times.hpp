@@ -12,13 +12,13 @@ public:
     /// Keyboards begin to repeat a held key after 250 ms to about a second.
     static constexpr std::chrono::milliseconds pause{1000};
 
-    /// The monotonic clock, see clock_gettime(2); tests set one of their own.
+    /// The monotonic clock, see clock_gettime(2); tests set another.
     inline static clock_t::time_point (*now)() = clock_t::now;
 
-    /// To be called for every ENTER, taken or thrown away.
+    /// To be called for every ENTER, used or discarded.
     void add();
 
-    /// To be called for every other key that is taken: the user has let go of ENTER.
+    /// To be called for every other key that is used: the user has released ENTER.
     void forget();
 
     /// @return true when the last ENTER came less than the pause after the one before it

@@ -15,8 +15,8 @@ public:
     input_watch(const input_watch&) = delete;
     input_watch& operator=(const input_watch&) = delete;
 
-    /// A signal that the caller has blocked comes in during the wait, and only then: none is lost
-    /// between what the caller has last looked at and the wait. See epoll_pwait(2).
+    /// A signal that the caller has blocked arrives during the wait, and only then: none is lost
+    /// between the caller's last look and the wait. See epoll_pwait(2).
     /// @param milliseconds how long to wait, or noTimeLimit
     /// @param settle called before the wait and after a signal has interrupted it. It returns true
     /// when there was something to deal with, so that the interruption does not count.

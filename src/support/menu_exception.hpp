@@ -4,8 +4,8 @@
 #include <string>
 #include <utility>
 
-/// The signal for an orderly end of the program, caught by the program entry alone. It is no
-/// run-time error on purpose: the menu loop survives those and lets this one pass.
+/// Ends the program in an orderly way; caught only by main. It is deliberately not a run-time
+/// error, because the menu loop survives those.
 class menu_exception : public std::exception {
 public:
     /// @param text why the program ends, as it is shown to the user

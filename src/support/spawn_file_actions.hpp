@@ -11,12 +11,12 @@ public:
     spawn_file_actions(const spawn_file_actions&) = delete;
     spawn_file_actions& operator=(const spawn_file_actions&) = delete;
 
-    /// Lets the child have the null device as standard output and standard error. Where the
-    /// actions cannot be made the child keeps its output. To be called once.
+    /// Gives the child the null device as standard output and standard error. If the actions
+    /// cannot be made, the child keeps its output. To be called once.
     /// @param openFlags as for open(2)
     void openNullDevice(int openFlags);
 
-    /// @return what posix_spawn takes; null where there are no actions
+    /// @return what posix_spawn takes; null if there are no actions
     const posix_spawn_file_actions_t* get() const { return initialised ? &actions : nullptr; }
 
 private:

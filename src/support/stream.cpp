@@ -28,7 +28,7 @@ constexpr char carriageReturn = '\r';
 constexpr int gapMilliseconds = 50;
 constexpr int endOfFileRestMilliseconds = 100;
 
-/// Lines whose terminal driver does not make a line feed of it deliver the other one.
+/// A carriage return is what ENTER sends; not every terminal driver turns it into a line feed.
 bool isEnterByte(char byte) { return byte == lineFeed || byte == carriageReturn; }
 
 const std::string& tracePrefix(std::uint32_t level) {
@@ -42,16 +42,16 @@ const std::string& tracePrefix(std::uint32_t level) {
     return prefix->second;
 }
 
-/// Waits until the terminal has taken the last drawing; see tcdrain(3). A serial line is still busy
-/// with it when the program is not, and a stop interrupts the wait. What is no terminal takes
-/// everything at once.
+/// Waits until the terminal has received the last drawing; see tcdrain(3). A serial line is still
+/// busy with it long after the program has written it; a stop interrupts the wait. Anything that is
+/// not a terminal takes everything at once.
 void awaitDrawn() {
     while (tcdrain(STDOUT_FILENO) != 0 && errno == EINTR) {
     }
 }
 
-/// To be called where standard input was readable and gave nothing. On a terminal that has hung up
-/// nobody can ever type again: ends the process as the hang-up does where its signal comes through.
+/// To be called when standard input was readable but gave nothing. Nobody can type on a terminal
+/// that has hung up: ends the process, as the signal of the hang-up would have done.
 void endIfHungUp() {
     termios attributes{};
     if (tcgetattr(STDIN_FILENO, &attributes) != 0 && errno == EIO) {
@@ -94,11 +94,11 @@ int stream::readInput() {
 void stream::readKey() {
     input_watch keyboard(STDIN_FILENO);
     const std::function<bool()> settle = [&] {
-        // First of all, as the terminal's mode may be one in which reading waits for a whole line.
+        // First of all, because in the terminal's current mode, reading may wait for a whole line.
         const bool isDrawnAnew = settleBeforeWait && settleBeforeWait();
         awaitDrawn();
-        // A key is to act on the menu that the user sees. An ENTER from before comes from a pasted
-        // text, a line end of two bytes or a held key: more follows.
+        // A key is to act on the menu that the user sees. An ENTER typed earlier comes from a
+        // pasted text, a line end of two bytes or a held key: more follows.
         discardTyped(keyboard, [](int enterCount) { return enterCount > 0; });
         return isDrawnAnew;
     };
@@ -122,9 +122,9 @@ void stream::discardKnocking() {
     }
 }
 
-/// Throws away what has been typed, a sequence that is half there with its other half.
-/// @param callsForQuiet whether so many ENTERs mean that more follows, which is thrown away, too
-/// @return how many ENTERs it was
+/// Discards what has been typed; of a sequence that is half there, the other half, too.
+/// @param callsForQuiet whether so many ENTERs mean that more follows, which is discarded, too
+/// @return how many ENTERs were discarded
 int stream::discardTyped(const input_watch& keyboard, bool (*callsForQuiet)(int enters)) {
     int enterCount = 0;
     escape_sequence sequence;
@@ -135,7 +135,7 @@ int stream::discardTyped(const input_watch& keyboard, bool (*callsForQuiet)(int 
             ++enterCount;
         }
     };
-    // A signal is no end of quiet, however many come in.
+    // Signals do not end the quiet, however many arrive.
     const std::function<bool()> settle = [this] {
         if (settleBeforeWait) {
             settleBeforeWait();

@@ -30,7 +30,7 @@ public:
     /// @throws std::runtime_error when the level passes the mask and is no single known level
     void trace(std::uint32_t level, const std::string& message, const std::string& lead) const;
 
-    /// Prints message on a line of its own; an empty message prints nothing.
+    /// Prints message on a separate line; an empty message prints nothing.
     void trace(const std::string& message) const;
 
     /// Takes the next input: the first queued one, or else one key typed from now on. What was

@@ -32,7 +32,7 @@ std::runtime_error commandFailure() {
     return std::runtime_error("Command cannot be executed properly");
 }
 
-/// Four variables: a flash is not to depend on what else root happens to have in the environment.
+/// Four variables, so that a flash does not depend on the rest of root's environment.
 std::string childEnvironment() {
     const char* path = std::getenv("PATH");
     const char* term = std::getenv("TERM");
@@ -86,7 +86,7 @@ int support::runProgram(const std::string& command, output_t output) const {
         // Opened read-only, so that the child's writes fail instead of vanishing.
         actions.openNullDevice(output == output_t::discarded ? O_WRONLY : O_RDONLY);
     }
-    // What was printed so far comes before what the child prints.
+    // So that earlier output appears before that of the child.
     std::fflush(stdout);
     const terminal_keeper terminal;
     pid_t child = 0;
@@ -108,8 +108,8 @@ int support::clearScreen() { return runCommand("clear", true); }
 
 void support::waitForEnter(const std::string& message) {
     trace(message);
-    // A stop that ends before the wait begins is to interrupt it, too: the terminal's mode may be
-    // another one by then.
+    // Even a stop that ends before the wait begins has to interrupt it, because the terminal's mode
+    // may have changed.
     const blocked_signals untilTheWait{SIGCONT};
     const input_watch keyboard(STDIN_FILENO);
     while (awaitByte(keyboard) != '\n') {
@@ -124,7 +124,7 @@ void support::delay(int unit, int amount) {
     timespec interval{};
     if (unit == seconds) {
         interval.tv_sec = amount;
-    } else if (unit == milliseconds) {  // below a second: whole ones have a unit of their own
+    } else if (unit == milliseconds) {  // below a second: whole seconds have their own unit
         interval.tv_nsec = amount % millisecondsPerSecond * nanosecondsPerMillisecond;
     }
     // A stop and its continuation would cut the sleep short: they wait for its end.

@@ -4,16 +4,17 @@
 
 #include "support/stream.hpp"
 
-/// What every part of the tool needs of the operating system: child programs with a fixed, minimal
-/// environment, file tests, pauses, and small clean-ups of texts.
+/// What every part of the program needs from the operating system: child programs with a fixed,
+/// minimal environment, file tests, pauses, and small clean-ups of texts.
 class support : public virtual stream {
 public:
     static constexpr int seconds = 0;
     static constexpr int milliseconds = 1;
 
-    /// Builds the environment of all child programs: PATH, TERM, PWD and LANG, nothing else.
-    /// @throws std::invalid_argument when PATH, TERM or the working directory is not to be had, or
-    /// the whole is longer than 4096 characters
+    /// Builds the environment of all child programs: PATH, TERM, PWD and LANG. Text after a
+    /// semicolon in one of them becomes a further variable.
+    /// @throws std::invalid_argument when PATH, TERM or the working directory is missing, or the
+    /// whole is longer than 4096 characters
     support();
 
     support(const support&) = delete;
@@ -36,8 +37,8 @@ public:
     int clearScreen();
 
     /// Prints message, unless it is empty, and reads standard input up to the next line feed. One
-    /// that was typed earlier counts: unlike at a menu, it chooses nothing. At end of file it goes
-    /// on waiting; a terminal that has hung up ends the process by SIGHUP.
+    /// that was typed earlier counts, because here, unlike at a menu, it chooses nothing. Goes on
+    /// waiting at end of file; a terminal that has hung up ends the process by SIGHUP.
     void waitForEnter(const std::string& message);
 
     /// Sleeps once, see nanosleep(2).

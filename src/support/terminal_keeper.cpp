@@ -20,8 +20,9 @@ terminal_keeper::~terminal_keeper() {
     }
 }
 
-/// A child with job control of its own may leave the terminal to a group that it made. Not taken
-/// from the session's shell, though: that has it because the user put this program aside.
+/// A child that does job control may leave the terminal to a process group that it made. But the
+/// terminal is not taken from the session's shell, which has it because the user put this program
+/// into the background.
 void terminal_keeper::takeForeground() const {
     const pid_t current = tcgetpgrp(STDIN_FILENO);
     if (foreground != getpgrp() || current == foreground || current == getsid(0)) {

@@ -3,9 +3,9 @@
 #include <sys/types.h>
 #include <termios.h>
 
-/// Keeps what a child program does to the terminal from outliving it: the attributes and the
-/// foreground process group of that on standard input, and the status flags of standard output
-/// (O_NONBLOCK, which is shared with the child) are put back when this object ends.
+/// Undoes what a child program does to the terminal: when this object ends, it restores the
+/// attributes and the foreground process group of the terminal on standard input, and the status
+/// flags of standard output (O_NONBLOCK, which is shared with the child).
 class terminal_keeper {
 public:
     terminal_keeper();

@@ -2,10 +2,10 @@
 
 #include <csignal>
 
-/// Notices, as long as it lives, that what is on the screen may not be there any more: the window
-/// has got another size, or the process was stopped and goes on. Both signals are blocked: they
-/// come in during a wait that lets them in, which they interrupt, and never between the last look
-/// and the wait. There is one at a time.
+/// Notices, as long as it lives, when the screen may no longer show what was drawn: the window has
+/// another size, or the process was stopped and goes on. Both signals are blocked, so they arrive
+/// only during a wait that lets them in, and interrupt it, and never between the last look and the
+/// wait. There is one at a time.
 class screen_watch {
 public:
     screen_watch();

@@ -99,8 +99,8 @@ std::string substituted(const std::string& sequence, std::int32_t number) {
     return text;
 }
 
-/// The terminal may be in normal or in application mode, and nobody has told it which. One byte
-/// follows ESC "[" or ESC "O" in either.
+/// The terminal may be in normal or in application mode: nobody has set either. In both modes, one
+/// byte follows ESC "[" or ESC "O".
 std::string otherCursorKeyForm(const std::string& sequence) {
     if (sequence.starts_with("\x1b[")) {
         return "\x1bO" + sequence.substr(2, 1);

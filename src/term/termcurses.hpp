@@ -34,8 +34,8 @@ public:
     /// sequence; nothing is undone then
     termcurses();
 
-    /// Gives the terminal back: screen cleared, cursor shown, attributes as they were. A failure is
-    /// not to be passed over: it ends the process, see std::terminate, and terminal_guard restores
+    /// Gives the terminal back: screen cleared, cursor shown, attributes as they were. A failure
+    /// must not be ignored: it ends the process, see std::terminate, and terminal_guard restores
     /// what it can.
     ~termcurses();
 
@@ -44,7 +44,7 @@ public:
 
     void initTermcurses();
 
-    /// Loads the table of sequences anew.
+    /// Loads the table of sequences again.
     /// @throws std::invalid_argument when the terminal lacks one of them
     void initSequences();
 
@@ -74,8 +74,8 @@ public:
     /// 3 clears and shows it, 4 shows it; above that nothing happens
     void setMode(std::uint32_t mode);
 
-    /// Sets the raw mode again, whatever has become of it meanwhile; what is given back in the end
-    /// stays as it is. Does nothing where the terminal is gone.
+    /// Sets the raw mode again, whoever may have changed it. Does not change what is given back in
+    /// the end. Does nothing if the terminal is gone.
     static void resumeMode();
 
     /// @return the size of the window on standard output; see tty_ioctl(4), TIOCGWINSZ

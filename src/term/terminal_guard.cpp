@@ -64,7 +64,7 @@ void setMode(const terminal_mode_t& mode) {
 void writeSequence(const sequence_t& sequence) {
     pollfd output{STDOUT_FILENO, POLLOUT, 0};
     if (poll(&output, 1, patienceMilliseconds) != 1 || output.revents != POLLOUT) {
-        return;  // nobody reads what the terminal shows, or the pipe that stands in for it
+        return;  // nobody reads the terminal, or the pipe in its place
     }
     const auto length = static_cast<std::size_t>(sequence.length);
     std::atomic_signal_fence(std::memory_order_acquire);
@@ -100,7 +100,7 @@ void restoreTerminal() {
 }
 
 /// Restores the terminal and lets the signal have its default action once the handler returns. The
-/// cursor's sequence may go to a pipe that nobody reads: that is not what the process dies of.
+/// cursor's sequence may go to a pipe that nobody reads; the process must not die of that instead.
 void restoreAndDie(int signal) {
     std::signal(SIGPIPE, SIG_IGN);
     restoreTerminal();
@@ -122,7 +122,7 @@ void setFatalSignalAction(void (*handler)(int)) {
     }
 }
 
-/// A child that runs meanwhile is waited for again after the stop.
+/// A child that is running then is waited for again after the stop.
 void setStopSignalAction(void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
@@ -130,7 +130,7 @@ void setStopSignalAction(void (*handler)(int)) {
     sigaction(SIGTSTP, &action, nullptr);
 }
 
-/// Stops as usual, with the terminal given back meanwhile. Once continued, the process takes its
+/// Stops as usual, with the terminal given back until it is continued. The process then takes its
 /// own mode back; in the background that stops it again, as it should.
 void restoreAndStop(int signal) {
     const int number = errno;
@@ -149,7 +149,7 @@ void restoreAndStop(int signal) {
     setStopSignalAction(restoreAndStop);
     announce(userModeKnown, known);
     setMode(mode);
-    // Not every screen is drawn anew after a stop: what a child shows, for one, is not.
+    // Not every screen is drawn again after a stop: the output of a child, for one, is not.
     writeSequence(cursorHidden);
     errno = number;
 }
@@ -169,8 +169,8 @@ void remember(sequence_t& sequence, const std::string& text) {
     announce(sequence.length, length);
 }
 
-/// Output that refuses to wait would drop half of a drawing. Whoever used the terminal last may
-/// have left it so, and the shell may rely on it.
+/// Non-blocking output would drop half of a drawing. The last program on the terminal may have left
+/// it so, and the shell may rely on it.
 void makeOutputWait() {
     if ((userMode.outputFlags & O_NONBLOCK) != 0) {
         fcntl(STDOUT_FILENO, F_SETFL, userMode.outputFlags & ~O_NONBLOCK);
@@ -192,9 +192,9 @@ terminal_guard::terminal_guard() {
 }
 
 terminal_guard::~terminal_guard() {
-    // First, or a stop from here on would hide it for good when it ends.
+    // First of all, or the end of a stop during the next lines would hide the cursor for good.
     cursorHidden.length = 0;
-    // Whoever hid the cursor is gone by now and has shown it again, if that can be written.
+    // The object that hid the cursor has ended and shown it again, if that could be written.
     if (std::fflush(stdout) == 0) {
         cursorShown.length = 0;
     }

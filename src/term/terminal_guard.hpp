@@ -2,14 +2,14 @@
 
 #include <string>
 
-/// The safety net of the process, for the ends at which no destructor runs, too: as long as it
-/// lives, the user's terminal attributes, cursor and O_NONBLOCK of standard output are given back
-/// however the process ends, be it by an exception, by exit(3) from within a library, or by a
-/// signal, of which the process still dies. While the process is stopped by SIGTSTP the terminal is
-/// the user's, too. There is one at a time.
+/// The safety net of the process, also for the ends at which no destructor runs: as long as it
+/// lives, the user's terminal attributes, cursor and O_NONBLOCK of standard output are restored
+/// however the process ends: by an exception, by exit(3) from within a library, or by a signal, of
+/// which the process still dies. They are also restored while SIGTSTP stops the process. There is
+/// one at a time.
 class terminal_guard {
 public:
-    /// Remembers the attributes of standard input (nothing to give back where it is no terminal)
+    /// Remembers the attributes of standard input (nothing to restore if it is no terminal)
     /// and the flags of standard output, which waits from now on, and takes over every signal that
     /// ends a process and can be taken over, the real-time signals among them.
     terminal_guard();

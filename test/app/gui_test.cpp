@@ -149,7 +149,7 @@ TEST_F(gui_test, EndsAtExitInTheMainMenu) {
         }));
 }
 
-// Either callback knows the Exit line of whichever menu it serves.
+// Both callbacks know the Exit lines of both menus.
 TEST_F(gui_test, KnowsExitInBothMenusFromBothCallbacks) {
     EXPECT_EQ(
         "user normal exit", with([](open_gui& application) {
@@ -196,7 +196,7 @@ TEST_F(gui_test, SaysThatThereWasNoInput) {
               }));
 }
 
-// Nobody has pressed its ENTERs: there is nothing of theirs to be thrown away.
+// Nobody has pressed the ENTERs of the walk, so no keys are discarded.
 TEST_F(gui_test, LeavesTheKeyboardAloneInTheScriptedWalk) {
     terminal_session session([this] {
         const inside_package inside(package);
@@ -225,7 +225,7 @@ TEST_F(gui_test, ScriptsTheKeysToTheLineAfterATargetThatCannotBeSelected) {
               with([](open_gui& application) { return script(application, smallMenu(), {3}); }));
 }
 
-// There is no way further up or down: what is highlighted then is confirmed.
+// The highlight goes no further up or down: the line that is highlighted then is confirmed.
 TEST_F(gui_test, ScriptsTheKeysNoFurtherThanTheMenuGoes) {
     EXPECT_EQ("DDDDE UUUE ", with([](open_gui& application) {
                   return script(application, smallMenu(), {7, 0});

@@ -114,5 +114,5 @@ TEST_F(document_entry_test, ShowsEveryDocumentAndReturnsToTheMainMenu) {
     awaitMenu(mainScreen().key(main_menu::legalDocuments));  // still highlighted
     session->press("\r");
     session->awaitScreen("#LEGAL");
-    awaitMenu();  // and the legal menu starts anew
+    awaitMenu();  // and the legal menu starts without a highlight
 }

@@ -4,7 +4,7 @@
 
 #include "harness/tool_test.hpp"
 
-/// The package that script/demo shows, assembled in a folder of its own.
+/// The package that script/demo shows, assembled in its own folder.
 class demo_test : public tool_test {
 protected:
     /// @param state of its simulated controller, as demo/assemble takes it

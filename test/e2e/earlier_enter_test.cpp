@@ -12,7 +12,7 @@ class earlier_enter_test : public tool_test {
 protected:
     /// The pieces follow each other within 50 ms, which a busy machine may miss, but not every
     /// time.
-    /// @param attempt types them on a program of its own
+    /// @param attempt starts a program and types them
     /// @return true when it has ever led to the menu alone, and to nothing more than the first
     /// flash
     bool isEverNothingChosen(const std::function<void()>& attempt) {

@@ -57,7 +57,7 @@ protected:
 
 }  // namespace
 
-// Keys after the first, typed at a screen that does not show it, are thrown away.
+// Keys that follow the first one before the screen shows its effect are discarded.
 TEST_F(stopped_output_test, ShowsOneKeysMoveAndForgetsTheOthers) {
     startMenu();
     moveTo("1");
@@ -102,7 +102,7 @@ TEST_F(slow_output_test, HoldsTheProgramUpUntilItHasTakenEnough) {
         ASSERT_LT(key, mostKeys) << "nothing holds the program up";
         const long before = writeCalls(session->process());
         session->type(key % 2 == 0 ? "\x1b[B" : "\x1b[A");
-        // A key that comes in too early is thrown away, and the next one is due.
+        // A key that arrives too early is discarded; the next one counts.
         for (int look = 0; look < 50 && writeCalls(session->process()) == before; ++look) {
             poll(nullptr, 0, 1);
         }

@@ -18,8 +18,8 @@ bool beginsWithClear(std::string_view drawing) {
     return drawing.starts_with(clearSequence);
 }
 
-/// The way through the menus in a window where not everything may be in sight: the program's
-/// output tells where it is.
+/// Goes through the menus in a window that may not show everything: the program's output tells
+/// where it is.
 class windows_test : public tool_test {
 protected:
     void press(const std::string& keys, const std::string& answer) {
@@ -56,7 +56,7 @@ protected:
         step(exit, "> " + exit);
     }
 
-    /// Lets the program clear the screen and draw everything anew.
+    /// Lets the program clear the screen and draw everything again.
     std::string freshPicture(int rows, int columns) {
         before = awaitDrawing([this] { session->signal(SIGWINCH); });
         const std::string drawing = lastOutput();

@@ -28,7 +28,7 @@ protected:
 };
 
 class continued_test : public tool_test {};
-/// Started by a shell whose prompt has a mode of its own.
+/// Started by a shell whose prompt has a different mode.
 class prompt_test : public tool_test {
 protected:
     void startShell() {
@@ -117,8 +117,8 @@ TEST_P(stop_test, AndEndedWhileStoppedLeavesTheTerminalToTheShell) {
 INSTANTIATE_TEST_SUITE_P(Stopped, stop_test, testing::Values(SIGTSTP, SIGSTOP),
                          [](const auto& signal) { return sigabbrev_np(signal.param); });
 
-// What is typed while the program is stopped, or before it has drawn the menu anew, is no answer to
-// what the user sees.
+// What is typed while the program is stopped, or before it has drawn the menu again, does not
+// answer what the user sees.
 TEST_F(continued_test, TakesNoEnterFromBeforeTheDrawing) {
     startMenu();
     moveTo("1");

@@ -80,7 +80,7 @@ TEST_F(one_flash_test, IsAtWorkInOneMenu) {
     package.letGo();
     first->awaitScreen("work done");
     first->awaitKeyWait();
-    expectFlash();  // although nobody has looked at the first one's result yet
+    expectFlash();  // although nobody has seen the first one's result yet
 }
 
 // Its session was closed, or somebody has ended it.

@@ -1,7 +1,7 @@
 // Lets calls of the program fail. Linked into a static build of it with the linker's --wrap, so
 // that the calls within the C library and terminfo are met as well. See wanted_fault.hpp for which.
 //
-// Child programs know nothing of it, as they get an environment of their own.
+// Child programs are not affected, because they get a different environment.
 
 #include <dirent.h>
 #include <fcntl.h>

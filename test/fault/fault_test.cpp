@@ -21,7 +21,8 @@ void PrintTo(const fault_row_t& row, std::ostream* out) { *out << row.fault; }
 
 class fault_row_test : public fault_test, public testing::WithParamInterface<fault_row_t> {};
 
-/// Which calls of a name fail, each in a run of its own: the first, and every one so many later.
+/// Which calls of a name fail, each in a separate run: the first of them, and every step-th after
+/// it.
 struct sweep_t {
     sweep_t(const char* name, int from = 1, int every = 1) : call(name), first(from), step(every) {}
 
@@ -139,9 +140,9 @@ TEST_F(fault_test, RefusesAReleaseFileThatBreaksOffWithinALine) {
     EXPECT_NE(std::string::npos, session->output().find(notProper)) << session->output();
 }
 
-// Every call fails at every point where it is made, one at a time: whatever comes of it, the
-// program ends orderly and leaves nothing behind. A terminal that cannot be given back is the one
-// thing that ends it by SIGABRT.
+// Every call fails at every point where it is made, one at a time. The program always ends in an
+// orderly way and leaves nothing behind. Only a terminal that cannot be given back ends it by
+// SIGABRT.
 TEST_P(fault_sweep_test, EndsOrderlyWhereverItFails) {
     const std::set<int> orderly{0, 128 + SIGABRT};
     const sweep_t sweep = GetParam();

@@ -10,7 +10,7 @@
 /// @return the side of the terminal on which a user types
 int prepareSurroundings();
 
-/// The application on a terminal of its own; what it draws goes to a text instead.
+/// The application on its own terminal; what it draws goes to a text instead.
 class fuzzed_gui : public gui {
 public:
     /// @param evaluate as for gui

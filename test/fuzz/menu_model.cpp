@@ -73,7 +73,7 @@ events_t menu_model::run(const menu_hooks_t& hooks) {
         }
         const std::string happened = answer(input);
         if (!happened.empty()) {
-            // What it says is shown as far as its first NUL.
+            // The warning is shown up to its first NUL.
             events.push_back(happened.substr(0, happened.find('\0')) + "\n" +
                              std::to_string(selected) + "\n" + drawn);
         }
@@ -87,7 +87,7 @@ events_t menu_model::run(const menu_hooks_t& hooks) {
     return events;
 }
 
-/// @return what happens; nothing when the highlight moves, or stays, at the most
+/// @return what happens; nothing when the highlight moves or stays
 std::string menu_model::answer(const std::string& input) {
     if (endsProgram(input)) {
         return "user interruption";

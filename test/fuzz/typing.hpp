@@ -14,7 +14,7 @@ using typing_t = std::vector<piece_t>;
 /// Room enough for what one terminal keeps unread.
 inline constexpr std::size_t longestTyping = 1000;
 
-/// How long a drawing of the menu takes, in milliseconds: what arrives meanwhile is typed ahead.
+/// How long a drawing of the menu takes, in milliseconds: what arrives during it is typed ahead.
 inline constexpr int drawingTime = 20;
 
 /// How long an operation takes, in milliseconds.

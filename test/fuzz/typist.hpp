@@ -14,11 +14,11 @@ public:
     typist(const typist&) = delete;
     typist& operator=(const typist&) = delete;
 
-    /// Lets time pass, and types what comes meanwhile.
+    /// Lets time pass, and types what is due during it.
     void passTime(int milliseconds);
 
     /// Lets time pass until the next piece is typed.
-    /// @param milliseconds how long at the most, or -1
+    /// @param milliseconds how long at most, or -1
     /// @return false when the time is over
     bool awaitPiece(int milliseconds);
 

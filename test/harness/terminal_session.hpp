@@ -10,9 +10,9 @@
 #include "harness/pseudo_terminal.hpp"
 #include "harness/terminal_screen.hpp"
 
-/// One process on a terminal of its own, and a user in front of it. Every wait ends with what it
-/// waits for, or with an exception that shows the screen when patience() is over and the process
-/// has printed nothing meanwhile.
+/// One process on its own terminal, and a user in front of it. Every wait ends when what it waits
+/// for arrives, or with an exception that shows the screen, if the process has printed nothing
+/// during patience().
 class terminal_session {
 public:
     explicit terminal_session(const program_t& program, int rows = 24, int columns = 80);
@@ -33,8 +33,8 @@ public:
     /// Types bytes at once, read or not.
     void type(std::string_view bytes);
 
-    /// Types bytes as fast as the terminal takes them, and reads its output meanwhile: otherwise
-    /// the process and its user might wait for each other.
+    /// Types bytes as fast as the terminal takes them, and reads its output at the same time:
+    /// otherwise the process and its user might wait for each other.
     void paste(std::string_view bytes);
 
     /// From now on the terminal takes one byte of output per millisecond, as a serial line at 9600

@@ -17,12 +17,12 @@ constexpr uid_t nobody = 65534;
 /// @return the path of the built program that the tests run
 std::string programUnderTest();
 
-/// The built program in a package of stand-ins, on a terminal of its own.
+/// The built program in a package of stand-ins, on its own terminal.
 class tool_test : public testing::Test {
 protected:
     tool_test();
 
-    /// The program is to be started by another user than root, one without any rights.
+    /// The program will be started by a user without any rights.
     void runAsNobody();
 
     /// Starts the program; what differs from the usual is set in `program` before.
@@ -46,11 +46,11 @@ protected:
     /// Returns when the program asks for ENTER and waits for it.
     void awaitEnterPrompt();
 
-    /// Returns when the menu is shown anew, with this number after its prompt.
+    /// Returns when the menu is shown again, with this number after its prompt.
     void awaitMenu(const std::string& promptNumber = "");
 
     /// Returns when what happened has led to a drawing and the program waits for the next key: one
-    /// that is typed during the drawing is thrown away.
+    /// that is typed during the drawing is discarded.
     /// @return where the output of the drawing begins
     std::size_t awaitDrawing(const std::function<void()>& happen);
 

@@ -12,7 +12,7 @@ namespace {
 constexpr const char* changes = "# Changelog\n\n## [Unreleased]\n\n- More.\n\n";
 constexpr const char* released = "## [1.2.0] - 2026-11-21\n\n- All.\n\n## [1.1.0] - 2026-10-01\n";
 
-/// packaging/version in a folder of its own, with a commit of 2026-11-22, 12:00 UTC.
+/// packaging/version in its own folder, with a commit of 2026-11-22, 12:00 UTC.
 class version_test : public testing::Test {
 protected:
     version_test() {

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// A child in a group of its own, which has the terminal from now on.
+/// A child in its own process group, which has the terminal from now on.
 pid_t giveTerminalToChild() {
     const pid_t child = fork();
     if (child == 0) {
