@@ -4,7 +4,7 @@ namespace {
 
 constexpr const char* title = "This tool will update Varn FW --> Rel. 2.41";
 constexpr const char* information =
-    "Varn-FW: 2.41  SDRR: 3.07  for RX 2540 M7 (simulated)\\n(c) 2026 Varn Firmware Tools";
+    "Varn-FW: 2.41  SDRR: 3.07  for SV 1000 (simulated)\\n(c) 2026 Varn Firmware Tools";
 
 std::vector<std::string> menuCommand(const std::string& path) {
     return {path,        "--backtitle",

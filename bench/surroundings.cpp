@@ -7,7 +7,7 @@
 #include <string>
 
 surroundings::surroundings(std::int64_t releaseLines) : terminal(25, 80) {
-    std::string text = "VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=RX 2540\nIMAGE_NAME=fw.bin\n";
+    std::string text = "VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=SV 1000\nIMAGE_NAME=fw.bin\n";
     for (std::int64_t line = 0; line < releaseLines; ++line) {
         text += "NOTE_" + std::to_string(line) + "=what this release changes\n";
     }

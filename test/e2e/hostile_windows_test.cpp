@@ -126,7 +126,7 @@ TEST_F(windows_test, WithAControlCharacterAreClearedForEveryDrawing) {
     for (const std::string& value : {std::string("2\0\0", 3), std::string("2\x1b[3B")}) {
         package.write("releasefile-information.txt", "VARN_RELEASE=" + value +
                                                          "1\nSDR_RELEASE=" + value +
-                                                         "\nSYSTEM=RX\nIMAGE_NAME=fw.bin\n");
+                                                         "\nSYSTEM=SV\nIMAGE_NAME=fw.bin\n");
         start();
         press("\x1b[B", "> 1");
         press(mainScreen().key(main_menu::exit), "> ");

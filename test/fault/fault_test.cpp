@@ -131,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(Output, fault_row_test,
 TEST_F(fault_test, RefusesAReleaseFileThatBreaksOffWithinALine) {
     constexpr std::size_t moreThanOneRead = 5000;
     package.write("releasefile-information.txt",
-                  "IMAGE_NAME=fw.bin\nSYSTEM=RX\nSDR_RELEASE=3\n"
+                  "IMAGE_NAME=fw.bin\nSYSTEM=SV\nSDR_RELEASE=3\n"
                   "VARN_RELEASE=" +
                       std::string(moreThanOneRead, '2') + "\n");
     start("read file:2:2:EIO");

@@ -19,7 +19,7 @@ class flashtools_test : public testing::Test {
 protected:
     flashtools_test() {
         package.write("releasefile-information.txt",
-                      "VARN_RELEASE=1\nSDR_RELEASE=2\nSYSTEM=RX\nIMAGE_NAME=fw 2.bin\n");
+                      "VARN_RELEASE=1\nSDR_RELEASE=2\nSYSTEM=SV\nIMAGE_NAME=fw 2.bin\n");
         package.write("fw 2.bin", "image");
     }
 

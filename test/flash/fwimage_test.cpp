@@ -14,7 +14,7 @@ class fwimage_test : public testing::Test {
 protected:
     void givenImage(const std::string& name) {
         package.write("releasefile-information.txt",
-                      "VARN_RELEASE=1\nSDR_RELEASE=2\nSYSTEM=RX\nIMAGE_NAME=" + name + "\n");
+                      "VARN_RELEASE=1\nSDR_RELEASE=2\nSYSTEM=SV\nIMAGE_NAME=" + name + "\n");
     }
 
     static std::string failure() {

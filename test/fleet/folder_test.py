@@ -87,7 +87,8 @@ class Folder(unittest.TestCase):
         self.assertRaisesRegex(folder.Refused, "somebody else's", self.make)
 
     def test_it_refuses_a_link_and_changes_nothing_at_its_end(self):
-        os.mkdir(self.work + "/real", 0o755)
+        os.mkdir(self.work + "/real")
+        os.chmod(self.work + "/real", 0o755)
         os.symlink(self.work + "/real", self.around)
         self.assertRaisesRegex(folder.Refused, "symbolic link", self.make)
         self.assertEqual(0o755, os.stat(self.work + "/real").st_mode & 0o777)

@@ -18,5 +18,5 @@ make_package() {
 create_package() {
     "$PACKAGE_TOOL" create --tool build/release/varnmenu --core test/fleet/varnflash \
         --image "$WORK/image/varn-$RELEASE.bin" --documents demo/package --release "$RELEASE" \
-        --sdr 3.07 --system 'RX 2540' --output "$WORK/$1" --sign "$WORK/$2"
+        --sdr 3.07 --system 'SV 1000' --output "$WORK/$1" --sign "$WORK/$2"
 }

@@ -161,5 +161,5 @@ std::string menu_model::drawing() const {
             text += textOf(key) + (lines[place] == '>' ? shownNumber : "") + "\n";
         }
     }
-    return text + "Varn-FW: 2.41  SDRR: 3.07  for RX  \n";
+    return text + "Varn-FW: 2.41  SDRR: 3.07  for SV  \n";
 }

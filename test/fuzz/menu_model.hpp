@@ -12,7 +12,7 @@ using events_t = std::vector<std::string>;
 inline constexpr std::size_t longestMenu = 120;
 
 inline constexpr const char* releaseInformation =
-    "VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=RX\nIMAGE_NAME=fw.bin\n";
+    "VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=SV\nIMAGE_NAME=fw.bin\n";
 
 /// @param kinds one character for each line, see menu_fuzz.cpp; title and information lines come
 /// on top

@@ -87,7 +87,7 @@ std::string contentOf(const fs::path& path) {
 }
 
 std::string properReleaseInformation() {
-    return "VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=RX 2540\nIMAGE_NAME=fw.bin\n";
+    return "VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=SV 1000\nIMAGE_NAME=fw.bin\n";
 }
 
 package_folder::package_folder() : folder(makeTemporaryFolder()) {

@@ -7,7 +7,7 @@
 shown_menu::shown_menu(menu_elem_t shown) : menu(std::move(shown)) {
     numberLines(menu);
     menu.lines.at(menu.headerLine).text.insert(0, "       ").append("2.41");
-    menu.lines.at(menu.informationLine).text = "Varn-FW: 2.41  SDRR: 3.07  for RX 2540";
+    menu.lines.at(menu.informationLine).text = "Varn-FW: 2.41  SDRR: 3.07  for SV 1000";
 }
 
 int shown_menu::number(menu_item_t item) const { return menu.lines.at(item).shownNumber; }

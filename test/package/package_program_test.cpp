@@ -54,7 +54,7 @@ TEST_F(create_program_test, MakesTheSameBytesWhateverTheSurroundings) {
         0, shell("umask 077; chmod 600 package/*.txt; ln -s package/fw.bin fw.bin; LC_ALL=C.UTF-8 "
                  "\"$P\" create --image fw.bin --core package/tool/varnflash --tool "
                  "package/tool/varnmenu --documents package --release 2.41 --sdr 3.07 "
-                 "--system 'RX 2540' --output ./varn//; rm fw.bin")
+                 "--system 'SV 1000' --output ./varn//; rm fw.bin")
                .status);
     EXPECT_TRUE(archiveOf(soundPackage()) == contentOf(scratch.path() / "varn.tar"));
     struct stat status {};

@@ -50,7 +50,7 @@ outcome_t program_test::create(const std::vector<std::string>& words) const {
                                  "--tool",      "package/tool/varnmenu",
                                  "--documents", "package",
                                  "--release",   "2.41",
-                                 "--sdr=3.07",  "--system=RX 2540",
+                                 "--sdr=3.07",  "--system=SV 1000",
                                  "--output",    "varn"};
     all.insert(all.end(), words.begin(), words.end());
     return run(all);

@@ -23,16 +23,16 @@ std::string withSystem(const std::string& line) {
 }
 
 std::string withImage(const std::string& name) {
-    return foundIn("VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=RX\nIMAGE_NAME=" + name + "\n");
+    return foundIn("VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=SV\nIMAGE_NAME=" + name + "\n");
 }
 
 }  // namespace
 
 TEST(ReleaseRules, TakeFourValuesInAnyOrderAndForm) {
-    EXPECT_EQ("", withSystem("SYSTEM=RX 2540\n"));
-    EXPECT_EQ("", withSystem("# a remark\n\nsystem=x\nSYSTEM=\"RX 2540\"\n"));
+    EXPECT_EQ("", withSystem("SYSTEM=SV 1000\n"));
+    EXPECT_EQ("", withSystem("# a remark\n\nsystem=x\nSYSTEM=\"SV 1000\"\n"));
     findings found;
-    EXPECT_EQ("fw.bin", checkReleaseText("SYSTEM=RX\nIMAGE_NAME=\"fw.bin\"\nSDR_RELEASE=3\n"
+    EXPECT_EQ("fw.bin", checkReleaseText("SYSTEM=SV\nIMAGE_NAME=\"fw.bin\"\nSDR_RELEASE=3\n"
                                          "VARN_RELEASE=2",
                                          found));
     EXPECT_TRUE(found.empty());
@@ -97,7 +97,7 @@ TEST(ReleaseRules, SayWhatIsWrongWithTheFile) {
     EXPECT_EQ(start + "holds a NUL byte; write it as plain ASCII text\n",
               withSystem("SYSTEM=x" + nul + "\n"));
     const std::string proper =
-        "VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=RX\nIMAGE_NAME=fw.bin\n";
+        "VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=SV\nIMAGE_NAME=fw.bin\n";
     EXPECT_EQ("", foundIn(proper + std::string(largestReleaseFile - proper.size(), '#')));
     EXPECT_EQ(start + "is larger than 65536 bytes; put the right file there\n",
               foundIn(proper + std::string(largestReleaseFile + 1 - proper.size(), '#')));

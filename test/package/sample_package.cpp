@@ -37,7 +37,7 @@ samples_t soundPackage() {
     samples.push_back(sampleFile("varn/fw.bin", std::string(1000, '\xff')));
     samples.push_back(
         sampleFile("varn/releasefile-information.txt",
-                   "VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=RX 2540\nIMAGE_NAME=fw.bin\n"));
+                   "VARN_RELEASE=2.41\nSDR_RELEASE=3.07\nSYSTEM=SV 1000\nIMAGE_NAME=fw.bin\n"));
     samples.push_back(sampleFolder("varn/tool"));
     samples.push_back(sampleFile("varn/tool/varnflash", "#!/bin/sh\nexit 0\n", 0755));
     samples.push_back(sampleFile("varn/tool/varnmenu", "#!/bin/sh\n", 0755));

@@ -44,7 +44,7 @@ private:
     std::string value() {
         static const texts_t nothing{"", "\"\"", "\r", "\"\r\""};
         // Some are how a key begins, so that later keys begin with the value.
-        static const texts_t pieces{"2.41",  "RX",      "fw.bin", " ",  "\"", "\r",
+        static const texts_t pieces{"2.41",  "SV",      "fw.bin", " ",  "\"", "\r",
                                     "\t",    "SYSTEM=", "S",      "SD", "V",  "VARN_",
                                     "IMAGE", "I",       "#",      "=",  "z",  std::string(1, '\0')};
         values.emplace_back();

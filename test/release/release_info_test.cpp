@@ -26,30 +26,30 @@ protected:
     inside_package inside{package};
 };
 
-const values_t properValues{"1.2", "3.4", "RX", "fw.bin"};
+const values_t properValues{"1.2", "3.4", "SV", "fw.bin"};
 const values_t refused{notProper};
 
 }  // namespace
 
 TEST_F(release_info_test, ReadsTheFourValues) {
-    given("VARN_RELEASE=1.2\nSDR_RELEASE=3.4\nSYSTEM=RX\nIMAGE_NAME=fw.bin\n");
+    given("VARN_RELEASE=1.2\nSDR_RELEASE=3.4\nSYSTEM=SV\nIMAGE_NAME=fw.bin\n");
     EXPECT_EQ(properValues, values());
 }
 
 TEST_F(release_info_test, TakesThemInAnyOrderAmongOtherLines) {
     given(
-        "# package\n\nIMAGE_NAME=fw.bin\nOTHER=1\nSYSTEM=RX\n#SYSTEM=x\nVARN_RELEASE=1.2\n"
+        "# package\n\nIMAGE_NAME=fw.bin\nOTHER=1\nSYSTEM=SV\n#SYSTEM=x\nVARN_RELEASE=1.2\n"
         " SYSTEM=blank ahead\nsystem=lower case\nSDR_RELEASE=3.4");
     EXPECT_EQ(properValues, values());
 }
 
 TEST_F(release_info_test, RemovesQuotesAndCarriageReturnsAndKeepsBlanks) {
-    given("VARN_RELEASE=\"1\"2\"\r\nSDR_RELEASE=\t3\r\nSYSTEM=\"RX 2540\"\nIMAGE_NAME= RX \n");
-    EXPECT_EQ((values_t{"12", "\t3", "RX 2540", " RX "}), values());
+    given("VARN_RELEASE=\"1\"2\"\r\nSDR_RELEASE=\t3\r\nSYSTEM=\"SV 1000\"\nIMAGE_NAME= SV \n");
+    EXPECT_EQ((values_t{"12", "\t3", "SV 1000", " SV "}), values());
 }
 
 TEST_F(release_info_test, RefusesAFileWithoutOneOfTheKeys) {
-    const values_t lines{"VARN_RELEASE=1.2\n", "SDR_RELEASE=3.4\n", "SYSTEM=RX\n",
+    const values_t lines{"VARN_RELEASE=1.2\n", "SDR_RELEASE=3.4\n", "SYSTEM=SV\n",
                          "IMAGE_NAME=fw.bin\n"};
     for (std::size_t missing = 0; missing < lines.size(); ++missing) {
         std::string text;
@@ -64,7 +64,7 @@ TEST_F(release_info_test, RefusesAFileWithoutOneOfTheKeys) {
 }
 
 TEST_F(release_info_test, KeepsTheFirstValueOfAKeyThatComesTwice) {
-    given("VARN_RELEASE=1.2\nVARN_RELEASE=9\nSDR_RELEASE=3.4\nSYSTEM=RX\nIMAGE_NAME=fw.bin\n");
+    given("VARN_RELEASE=1.2\nVARN_RELEASE=9\nSDR_RELEASE=3.4\nSYSTEM=SV\nIMAGE_NAME=fw.bin\n");
     EXPECT_EQ(properValues, values());
 }
 
@@ -113,7 +113,7 @@ TEST_F(release_info_test, ReadsAFifo) {
     const auto writer = std::async(std::launch::async, [] {
         std::ofstream fifo(release_info::releaseFilePath);
         for (const char* piece : {"VARN_REL", "EASE=1.2\nSDR_RELEASE=3", ".4\r", "\n",
-                                  "SYSTEM=RX\nIMAGE_NAME=fw", ".bin"}) {
+                                  "SYSTEM=SV\nIMAGE_NAME=fw", ".bin"}) {
             fifo << piece << std::flush;
         }
     });
