@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <numeric>
-#include <ranges>
 #include <stdexcept>
 #include <string>
 
@@ -64,8 +63,8 @@ void put(ustar_header_t& header, const field_t& field, std::string_view bytes) {
 /// Digits that fill the field, and a NUL.
 void putNumber(ustar_header_t& header, const field_t& field, std::uint64_t value) {
     std::string digits(field.size - 1, '0');
-    for (char& digit : std::views::reverse(digits)) {
-        digit = static_cast<char>('0' + value % octal);
+    for (std::size_t at = digits.size(); at > 0; --at) {
+        digits[at - 1] = static_cast<char>('0' + value % octal);
         value /= octal;
     }
     if (value != 0) {
