@@ -1,5 +1,7 @@
 #include "package/program_rules.hpp"
 
+#include <algorithm>
+
 #include "package/elf_file.hpp"
 
 namespace {

@@ -1,6 +1,7 @@
 #include "package/sha256.hpp"
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
 
 void sha256::take(std::string_view bytes) {
