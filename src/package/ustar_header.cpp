@@ -34,7 +34,7 @@ constexpr char directoryType = '5';
 constexpr char fileType = '0';
 constexpr std::uint64_t octal = 8;
 
-std::string_view part(std::string_view header, const field_t& field) {
+std::string_view part(std::string_view header, field_t field) {
     return header.substr(field.offset, field.size);
 }
 
