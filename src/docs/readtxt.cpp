@@ -4,8 +4,9 @@
 
 namespace {
 
+constexpr const char* documentDirectory = "../";
+
 std::unordered_map<std::int32_t, std::string> makeDocumentTable() {
-    static const std::string documentDirectory = "../";
     std::unordered_map<std::int32_t, std::string> documentTable;
     for (const document_t& document : packageDocuments) {
         documentTable.emplace(document.id, documentDirectory + std::string(document.fileName));
