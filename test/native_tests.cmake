@@ -15,11 +15,13 @@ leave_to_hardware(support_tests
     ReadInput.WaitsForTheRestOfASequence
     ReadInput.DoesNotWaitAfterAFinishedSequence
     ReadInput.EndsTheMenuAtCtrlC
+    ReadInput.KnowsARepeatedEnter
     ReadInput.LeavesOneDescriptorOpenForEachKeyTyped
     TypeAhead.IsThrownAway
     TypeAhead.TakesTheRestOfItsLastSequenceAlong
     TypeAhead.WithAnEnterTakesAlongWhatFollows
     TypeAhead.WithAnEnterIsFollowedByQuiet
+    TypeAhead.WithAnEnterMakesTheNextOneARepeat
     TypeAhead.WithAnEnterIsFollowedByQuietHoweverManySignalsComeIn
     TypeAhead.WithoutAnEnterIsNotWaitedFor
     ReadInput.YieldsHalfASequenceThatEndsWithTheInput
