@@ -95,7 +95,7 @@ void stream::readKey() {
     input_watch keyboard(STDIN_FILENO);
     const std::function<bool()> settle = [&] {
         // First of all, because in the terminal's current mode, reading may wait for a whole line.
-        const bool isDrawnAnew = settleBeforeWait && settleBeforeWait();
+        const bool isDrawnAnew = settleBeforeWait();
         awaitDrawn();
         // A key is to act on the menu that the user sees. An ENTER typed earlier comes from a
         // pasted text, a line end of two bytes or a held key: more follows.
@@ -128,7 +128,7 @@ void stream::discardKnocking() {
 int stream::discardTyped(const input_watch& keyboard, bool (*callsForQuiet)(int enters)) {
     int enterCount = 0;
     escape_sequence sequence;
-    const std::function<void(char)> discard = [&](char byte) {
+    const auto discard = [&](char byte) {
         sequence.add(byte);
         if (isEnterByte(byte)) {
             enters.add();
@@ -136,10 +136,8 @@ int stream::discardTyped(const input_watch& keyboard, bool (*callsForQuiet)(int 
         }
     };
     // Signals do not end the quiet, however many arrive.
-    const std::function<bool()> settle = [this] {
-        if (settleBeforeWait) {
-            settleBeforeWait();
-        }
+    const auto settle = [this] {
+        settleBeforeWait();
         return true;
     };
     takeWaitingBytes(discard);

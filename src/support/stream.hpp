@@ -82,7 +82,7 @@ protected:
 
     /// What is to be done before a wait for a key, and when a signal interrupts it; see
     /// input_watch::waitReadable.
-    std::function<bool()> settleBeforeWait;
+    std::function<bool()> settleBeforeWait = [] { return false; };
 
     enter_times enters;
 
