@@ -32,9 +32,7 @@ input_watch::~input_watch() {
 bool input_watch::waitReadable(int milliseconds, const std::function<bool()>& settle) const {
     sigset_t nothingBlocked;
     sigemptyset(&nothingBlocked);
-    if (settle) {
-        settle();
-    }
+    settle();
     epoll_event event{};
     for (int interruptions = 0; interruptions < mostWaits;) {
         const int events = epoll_pwait(instance, &event, 1, milliseconds, &nothingBlocked);
@@ -44,7 +42,7 @@ bool input_watch::waitReadable(int milliseconds, const std::function<bool()>& se
         if (errno != EINTR) {
             break;
         }
-        if (!settle || !settle()) {
+        if (!settle()) {
             ++interruptions;
         }
     }

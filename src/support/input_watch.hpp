@@ -22,7 +22,8 @@ public:
     /// when there was something to deal with, so that the interruption does not count.
     /// @return true when the descriptor can be read, end of file included; false when the time is
     /// over or the wait failed. A wait that a signal interrupts is repeated, up to 10 waits in all.
-    bool waitReadable(int milliseconds, const std::function<bool()>& settle = {}) const;
+    bool waitReadable(
+        int milliseconds, const std::function<bool()>& settle = [] { return false; }) const;
 
     /// Ends the watch, but leaves its epoll descriptor open for the rest of the process: that each
     /// key takes a descriptor is part of how the program behaves, and is kept. It does no harm, as

@@ -136,7 +136,7 @@ int stream::discardTyped(const input_watch& keyboard, bool (*callsForQuiet)(int 
         }
     };
     // Signals do not end the quiet, however many arrive.
-    const auto settle = [this] {
+    const std::function<bool()> settle = [this] {
         settleBeforeWait();
         return true;
     };
