@@ -26,6 +26,7 @@ outcome_of() {
         unknown-key) echo 'not started,0,"\?cannot be reached.*Host key verification failed' ;;
         nologin) echo 'not started,0,.*This account is currently not available' ;;
         noisy) echo 'not started,0,.*Good morning' ;;
+        guest) echo 'not started,0,logged in as guest; the menu works for root only: set ansible_user to root' ;;
         no-terminal) echo 'not started,[0-9]*,.*PermitTTY yes' ;;
         no-answer) echo 'not started,0,.*could not open device' ;;
         never-answers) echo 'not started,0,.*varn_firmware_command_seconds' ;;

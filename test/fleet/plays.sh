@@ -9,6 +9,7 @@ host_lines() {
         echo "    $(name_of "$number"):"
         [ "$number" -ne 3 ] || echo "      ansible_ssh_host: $(address_of "$number")"
         case $(kind_of "$number") in
+            guest) echo '      ansible_user: guest' ;;
             hangs) printf '      varn_firmware_%s: 3\n' flash_seconds patience ;;
             forks) echo '      varn_firmware_patience: 3' ;;
             cut) echo "      varn_firmware_verify_command: cat /srv/varnflash.state" ;;

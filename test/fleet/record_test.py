@@ -3,6 +3,7 @@
 import fcntl
 import json
 import os
+import shutil
 import subprocess
 import tempfile
 import unittest
@@ -213,13 +214,28 @@ class AtWork(OnServer):
         self.assertRaises(OSError, record.look, REQUEST)
 
     def test_a_core_program_without_a_menu(self):
-        with subprocess.Popen(["sleep", "100"]) as process:
-            with mock.patch.object(record, "CORE_PROGRAM", "sleep"):
-                self.assertIn(str(process.pid), record.at_work())
-                process.kill()
-                # Not waited for, it is a zombie.
-                os.waitid(os.P_PID, process.pid, os.WEXITED | os.WNOWAIT)
-                self.assertNotIn(str(process.pid), record.at_work())
+        with self.running("cat") as process, mock.patch.object(record, "CORE_PROGRAM", "cat"):
+            self.assertIn(str(process.pid), record.processes_of("cat"))
+            self.assertIn("cat is at work", record.at_work())
+            process.kill()
+            # Not waited for, it is a zombie.
+            os.waitid(os.P_PID, process.pid, os.WEXITED | os.WNOWAIT)
+            self.assertNotIn(str(process.pid), record.processes_of("cat"))
+
+    def test_a_process_with_an_odd_name_beside_it(self):
+        odd = self.work + "/\udcff) Z"
+        shutil.copy(shutil.which("cat"), odd)
+        with self.running(odd):
+            self.assertEqual("", record.at_work())
+
+    def running(self, program):
+        """It bears the program's name once it works: that is later than Popen returns."""
+        process = subprocess.Popen([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        self.addCleanup(process.kill)
+        process.stdin.write(b"\n")
+        process.stdin.flush()
+        process.stdout.readline()
+        return process
 
 
 class Program(OnServer):

@@ -170,8 +170,9 @@ def write_record(folder, record):
 # ---- what the server is ----------------------------------------------------
 
 def content_of(path):
+    """A process may be named with any bytes."""
     try:
-        with open(path) as file:
+        with open(path, errors="replace") as file:
             return file.read().strip()
     except OSError:
         return ""
