@@ -27,6 +27,8 @@ outcome_of() {
         nologin) echo 'not started,0,.*This account is currently not available' ;;
         noisy) echo 'not started,0,.*Good morning' ;;
         guest) echo 'not started,0,logged in as guest; the menu works for root only: set ansible_user to root' ;;
+        no-python) echo 'not started,0,"Python 3 is missing on the server' ;;
+        no-terminfo) echo 'not started,[0-9]*,.*Debian.s package ncurses-base' ;;
         no-terminal) echo 'not started,[0-9]*,.*PermitTTY yes' ;;
         no-answer) echo 'not started,0,.*could not open device' ;;
         never-answers) echo 'not started,0,.*varn_firmware_command_seconds' ;;

@@ -35,7 +35,10 @@ test_interrupted_runs() {
     check_flash_goes_on 2
 
     prepare 2 slow
-    start_play terminated "$WORK/batches.yml" batches package --limit server2
+    start_play terminated "$WORK/batches.yml" batches package --limit server1,server2 \
+        -e varn_firmware_again=true
+    check 'what was flashed is flashed again if that is asked for' await ran 1 2
+    check 'it comes to its end' await reported 1 'flashed,'
     check 'a server is being flashed' await is_at_work 2
     kill -TERM "$PLAYER"
     check 'a terminated run says so' fails await_play

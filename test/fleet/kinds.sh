@@ -6,8 +6,8 @@ export FIRST_KINDS='healthy refuses dies hangs fails-late cut unreachable at-wor
     unknown-key'
 export MORE_KINDS='no-line-end looks-like-the-menu dies-late forks reboots cut-unverified unverified at-menu raced
     no-answer never-answers chats'
-export ODD_KINDS='nologin noisy no-terminal noexec link foreign damaged cloned leftovers refuses guest
-    healthy'
+export ODD_KINDS='nologin noisy no-terminal noexec link foreign damaged cloned leftovers no-terminfo guest
+    no-python'
 
 kinds=$FIRST_KINDS
 

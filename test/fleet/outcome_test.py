@@ -56,6 +56,12 @@ class Session(unittest.TestCase):
         self.assertEqual("unclear", outcome.session("a", 4, "a: unclear: both")[0])
         self.assertEqual("not started", outcome.session("a", 2, "usage: ...")[0])
 
+    def test_what_did_not_start_comes_with_advice(self):
+        for said, advice in outcome.ADVICE.items():
+            self.assertEqual(("not started", f"it says: {said}; {advice}"),
+                             outcome.session("a", 3, f"a: not started: it says: {said}\n"))
+            self.assertNotIn(advice, outcome.session("a", 1, f"a: refused: it says: {said}")[1])
+
     def test_a_script_that_crashes_is_lost_whatever_its_status(self):
         for status in (0, 1, 3, 4, 5, -9, 255):
             for printed in ("", "can't write: no space left", "b: flashed: Done.", "x\na: flashed: Done."):

@@ -33,13 +33,22 @@ JUDGEMENTS = (
     ({}, "unclear", "look at this controller"),
 )
 
+# What a session that did not come to the menu ends with, and what to do for it.
+ADVICE = {
+    "PTY allocation request failed": 'set "PermitTTY yes" for this login in sshd_config(5)',
+    "unknown terminal type": 'the server needs the terminfo of "xterm" (Debian\'s package ncurses-base)',
+    "varnmenu: Permission denied": "is it mounted noexec?",
+}
+
 
 def session(server, status, printed):
     """What a session of flash-server.exp is in the facts, and its line. If it has not said so, too, it is lost."""
     found = SESSIONS.get(status, "lost")
     prefix = f"{server}: {'unclear' if found == 'lost' else found}: "
     if printed.startswith(prefix):
-        return found, printed[len(prefix):]
+        line = printed[len(prefix):]
+        advice = [todo for said, todo in ADVICE.items() if found == "not started" and said in line]
+        return found, "; ".join([line.rstrip(), *advice])
     return "not started" if status == WRONG_USAGE else "lost", printed
 
 

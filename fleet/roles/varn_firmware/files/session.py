@@ -22,7 +22,7 @@ import report
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 RECORD = HERE + "/record.py"
-DELAY = 5  # seconds between two looks at a server
+DELAY = 2  # seconds between two looks at a server
 
 
 class NoAnswer(Exception):
