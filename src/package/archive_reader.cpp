@@ -1,5 +1,7 @@
 #include "package/archive_reader.hpp"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -11,8 +13,6 @@ namespace {
 constexpr std::string_view fetchAgain = "fetch it again";
 constexpr unsigned allModes = 0777;
 constexpr unsigned othersWrite = 0022;
-constexpr unsigned ownersAll = 0700;
-constexpr unsigned ownersRead = 0400;
 
 bool isZeros(std::string_view bytes) {
     return bytes.find_first_not_of('\0') == std::string_view::npos;
@@ -163,7 +163,7 @@ void archive_reader::checkPlace(const member_t& member) {
 }
 
 void archive_reader::checkMode(const member_t& member) {
-    const unsigned needed = member.isDirectory ? ownersAll : ownersRead;
+    const unsigned needed = member.isDirectory ? S_IRWXU : S_IRUSR;
     if ((member.mode & ~allModes) != 0) {
         problems.add(member.name, "has a set-ID or a sticky bit", "chmod ug-s,-t it");
     } else if ((member.mode & othersWrite) != 0) {

@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr mode_t ownersAll = 0700;
 constexpr mode_t everybodyReads = 0644;
 
 std::string randomNumber() {
@@ -54,9 +53,9 @@ private_folder::private_folder(const std::string& parent, const std::string& mad
       name("." + made + "." + randomNumber()),
       path(parentPath + "/" + name),
       outside(openFolder(AT_FDCWD, parent, parent, 0)) {
-    checked(mkdirat(outside.get(), name.c_str(), ownersAll), "cannot make", path);
+    checked(mkdirat(outside.get(), name.c_str(), S_IRWXU), "cannot make", path);
     inside = openFolder(outside.get(), name, path, O_NOFOLLOW);
-    checked(fchmod(inside.get(), ownersAll), "cannot make", path);
+    checked(fchmod(inside.get(), S_IRWXU), "cannot make", path);
 }
 
 private_folder::~private_folder() { removeFrom(outside.get(), name); }

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr mode_t ownersAll = 0700;
-constexpr mode_t ownersOnly = 0600;
 constexpr std::string_view cannotWrite = "cannot write";
 
 }  // namespace
@@ -20,13 +18,13 @@ void unpacker::begin(const member_t& member) {
     current = member;
     const char* const name = member.name.c_str();
     if (member.isDirectory) {
-        checked(mkdirat(target, name, ownersAll), "cannot make", name);
+        checked(mkdirat(target, name, S_IRWXU), "cannot make", name);
         checked(fchmodat(target, name, member.mode, 0), cannotWrite, name);
         directories.push_back(member.name);
     } else {
-        file = descriptor(
-            openat(target, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, ownersOnly),
-            "cannot make", name);
+        file = descriptor(openat(target, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                                 S_IRUSR | S_IWUSR),
+                          "cannot make", name);
     }
 }
 

@@ -2,14 +2,12 @@
 
 namespace {
 
-constexpr char escape = '\x1b';
-
 bool isFinal(char byte) { return byte >= '@' && byte <= '~'; }
 
 }  // namespace
 
 void escape_sequence::add(char byte) {
-    if (byte == escape) {
+    if (byte == start) {
         state = state_t::escape;
     } else if (state == state_t::escape && byte == '[') {
         state = state_t::csi;

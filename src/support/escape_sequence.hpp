@@ -4,6 +4,8 @@
 /// delivers the bytes of one arrow key with gaps.
 class escape_sequence {
 public:
+    static constexpr char start = '\x1b';  ///< ESC
+
     void add(char byte);
 
     /// @return true after ESC alone, after ESC "O", and after ESC "[" until its final byte, 64 to

@@ -9,7 +9,7 @@
 namespace {
 
 constexpr int mostWaits = 10;
-constexpr int none = -1;
+constexpr int noInstance = -1;
 
 }  // namespace
 
@@ -17,14 +17,14 @@ input_watch::input_watch(int descriptor)
     : watched(descriptor), instance(epoll_create1(EPOLL_CLOEXEC)) {
     epoll_event readable{};
     readable.events = EPOLLIN;
-    if (instance != none && epoll_ctl(instance, EPOLL_CTL_ADD, watched, &readable) != 0) {
+    if (instance != noInstance && epoll_ctl(instance, EPOLL_CTL_ADD, watched, &readable) != 0) {
         close(instance);
-        instance = none;
+        instance = noInstance;
     }
 }
 
 input_watch::~input_watch() {
-    if (instance != none) {
+    if (instance != noInstance) {
         close(instance);
     }
 }
@@ -50,8 +50,8 @@ bool input_watch::waitReadable(int milliseconds, const std::function<bool()>& se
 }
 
 void input_watch::leaveOpen() {
-    if (instance != none) {
+    if (instance != noInstance) {
         epoll_ctl(instance, EPOLL_CTL_DEL, watched, nullptr);
-        instance = none;
+        instance = noInstance;
     }
 }

@@ -20,7 +20,6 @@
 namespace {
 
 constexpr char endOfText = '\x03';  // Ctrl-C
-constexpr char escape = '\x1b';
 constexpr char lineFeed = '\n';
 constexpr char carriageReturn = '\r';
 
@@ -158,11 +157,11 @@ void stream::takeKey(const input_watch& keyboard) {
     } else {
         enters.forget();
     }
-    if (first != escape) {
+    if (first != escape_sequence::start) {
         return;
     }
     escape_sequence sequence;
-    sequence.add(escape);
+    sequence.add(escape_sequence::start);
     const std::function<void(char)> append = [&](char byte) {
         sequence.add(byte);
         currentInput.push_back(byte);
@@ -215,7 +214,7 @@ int stream::inputAsNumber() const {
 }
 
 bool stream::isEscapeSequence() const {
-    return currentInput.size() >= 2 && currentInput.front() == escape;
+    return currentInput.size() >= 2 && currentInput.front() == escape_sequence::start;
 }
 
 bool stream::isEnter() const { return currentInput == "\n"; }

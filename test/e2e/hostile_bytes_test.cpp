@@ -1,12 +1,9 @@
+#include "harness/control_keys.hpp"
 #include "harness/tool_test.hpp"
 
 namespace {
 
-constexpr int endOfText = 0x03;
-constexpr int escape = 0x1b;
-constexpr int goOn = 0x11;  // Ctrl-Q and Ctrl-S never reach the program
-constexpr int halt = 0x13;
-
+/// Ctrl-Q and Ctrl-S never reach the program.
 bool isTheDrivers(int byte) { return byte == goOn || byte == halt; }
 
 /// One session in which every byte value is typed in turn.

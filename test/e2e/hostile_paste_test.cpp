@@ -5,16 +5,13 @@
 #include <random>
 #include <string_view>
 
+#include "harness/control_keys.hpp"
 #include "harness/tool_test.hpp"
 
 namespace {
 
 constexpr std::size_t pastedBytes = 64 * 1024;
 constexpr int mostKeysToMainMenu = 20;
-
-constexpr char endOfText = '\x03';
-constexpr char halt = '\x13';
-constexpr char goOn = '\x11';
 
 /// Arbitrary, and the same in every run. Left out is what would end the program rightly: Ctrl-C,
 /// and the number of "Exit", which an ENTER may follow. A Ctrl-S is followed by a Ctrl-Q: with its

@@ -2,7 +2,9 @@
 
 #include <sys/syscall.h>
 
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 
 namespace {
 
@@ -66,3 +68,8 @@ bool isAlive(pid_t process) {
 }
 
 bool isStopped(pid_t process) { return stateOf(process).find(") T ") != std::string::npos; }
+
+std::ptrdiff_t openDescriptors() {
+    const std::filesystem::directory_iterator open("/proc/self/fd");
+    return std::distance(begin(open), end(open));
+}

@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -31,3 +32,6 @@ bool isAlive(pid_t process);
 
 /// @return true for a process that a signal has stopped
 bool isStopped(pid_t process);
+
+/// How many descriptors this process has open, with the one that is needed to count them.
+std::ptrdiff_t openDescriptors();

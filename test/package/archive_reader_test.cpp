@@ -9,7 +9,8 @@
 namespace {
 
 /// @return what is found in an archive that comes in pieces of this size
-std::string foundIn(const std::string& archive, collecting_sink& sink, std::size_t piece = 4096) {
+std::string foundInArchive(const std::string& archive, collecting_sink& sink,
+                           std::size_t piece = 4096) {
     return foundBy([&](findings& found) {
         archive_reader reader("varn.tar", "varn", sink, found);
         for (std::size_t at = 0; at < archive.size(); at += piece) {
@@ -19,19 +20,19 @@ std::string foundIn(const std::string& archive, collecting_sink& sink, std::size
     });
 }
 
-std::string foundIn(const std::string& archive) {
+std::string foundInArchive(const std::string& archive) {
     collecting_sink sink;
-    const std::string found = foundIn(archive, sink);
+    const std::string found = foundInArchive(archive, sink);
     EXPECT_FALSE(sink.hasEnded);
     return found;
 }
 
-std::string foundIn(const samples_t& samples) { return foundIn(archiveOf(samples)); }
+std::string foundInArchive(const samples_t& samples) { return foundInArchive(archiveOf(samples)); }
 
 std::string withMember(const sample_t& sample) {
     samples_t samples = soundPackage();
     samples.push_back(sample);
-    return foundIn(samples);
+    return foundInArchive(samples);
 }
 
 const std::string nul(1, '\0');
@@ -62,7 +63,7 @@ TEST(ArchiveReader, YieldsWhatWasWrittenHoweverItComes) {
     EXPECT_EQ(0U, archive.size() % 10240);
     for (const std::size_t piece : {1U, 7U, 511U, 512U, 513U, 100000U}) {
         collecting_sink sink;
-        EXPECT_EQ("", foundIn(archive, sink, piece));
+        EXPECT_EQ("", foundInArchive(archive, sink, piece));
         EXPECT_EQ(soundPackage(), sink.samples);
         EXPECT_TRUE(sink.hasEnded);
     }
@@ -72,7 +73,7 @@ TEST(ArchiveReader, TakesFilesThatFillTheirBlocks) {
     const samples_t samples{sampleFolder("varn"), sampleFile("varn/a", std::string(1024, 'a')),
                             sampleFile("varn/b", "b")};
     collecting_sink sink;
-    EXPECT_EQ("", foundIn(archiveOf(samples), sink));
+    EXPECT_EQ("", foundInArchive(archiveOf(samples), sink));
     EXPECT_EQ(samples, sink.samples);
 }
 
@@ -94,7 +95,7 @@ TEST(ArchiveReader, TakesTheOwnersNameRootAndEmptyDeviceNumbers) {
             archive = withHeader(archive, 329, device);
             archive = withHeader(archive, 337, device);
             collecting_sink sink;
-            EXPECT_EQ("", foundIn(archive, sink));
+            EXPECT_EQ("", foundInArchive(archive, sink));
         }
     }
 }
@@ -139,9 +140,9 @@ TEST(ArchiveReader, TakesOneSpellingOfEachField) {
     };
     for (const auto& [offset, bytes, expected] : rows) {
         const std::string changed = withHeader(archive, offset, bytes, 1);
-        EXPECT_EQ(
-            expected,
-            foundIn(offset == 148 ? std::string(archive).replace(512 + 148, 8, bytes) : changed))
+        EXPECT_EQ(expected,
+                  foundInArchive(offset == 148 ? std::string(archive).replace(512 + 148, 8, bytes)
+                                               : changed))
             << offset;
     }
 }
@@ -151,22 +152,22 @@ TEST(ArchiveReader, TakesZerosAloneAsPaddingAndEnd) {
     const std::string members = archive.substr(0, 3 * 512);
     const std::string zeros(512, '\0');
     EXPECT_EQ("varn.tar: holds something between two members; do not use it\n",
-              foundIn(std::string(archive).replace(2 * 512 + 7, 1, "x")));
+              foundInArchive(std::string(archive).replace(2 * 512 + 7, 1, "x")));
     EXPECT_EQ("varn.tar: holds something between two members; do not use it\n",
-              foundIn(std::string(archive).replace(3 * 512 - 1, 1, "x")));
-    EXPECT_EQ(goesOn, foundIn(archive + archive));
-    EXPECT_EQ(goesOn, foundIn(members + zeros + members + zeros + zeros));
-    EXPECT_EQ(goesOn, foundIn(std::string(archive).replace(archive.size() - 1, 1, "x")));
+              foundInArchive(std::string(archive).replace(3 * 512 - 1, 1, "x")));
+    EXPECT_EQ(goesOn, foundInArchive(archive + archive));
+    EXPECT_EQ(goesOn, foundInArchive(members + zeros + members + zeros + zeros));
+    EXPECT_EQ(goesOn, foundInArchive(std::string(archive).replace(archive.size() - 1, 1, "x")));
     for (const std::string& cut :
          {std::string(), archive.substr(0, 100), archive.substr(0, 512), archive.substr(0, 1027),
           archive.substr(0, 1400), members, members + zeros}) {
-        EXPECT_EQ(cutOff, foundIn(cut)) << cut.size();
+        EXPECT_EQ(cutOff, foundInArchive(cut)) << cut.size();
     }
-    EXPECT_EQ(cutOff, foundIn(members + zeros + zeros.substr(1)));
-    EXPECT_EQ(cutOff, foundIn(archive + nul));
-    EXPECT_EQ("varn.tar: holds nothing; fetch it again\n", foundIn(zeros + zeros));
+    EXPECT_EQ(cutOff, foundInArchive(members + zeros + zeros.substr(1)));
+    EXPECT_EQ(cutOff, foundInArchive(archive + nul));
+    EXPECT_EQ("varn.tar: holds nothing; fetch it again\n", foundInArchive(zeros + zeros));
     collecting_sink sink;
-    EXPECT_EQ("", foundIn(members + zeros + zeros, sink));
+    EXPECT_EQ("", foundInArchive(members + zeros + zeros, sink));
 }
 
 TEST(ArchiveReader, TakesPlainNamesAlone) {
@@ -182,10 +183,10 @@ TEST(ArchiveReader, TakesPlainNamesAlone) {
 
 TEST(ArchiveReader, TakesOneFolderWithTheNameOfTheArchive) {
     EXPECT_EQ("varn.tar: holds the directory other; name the archive other.tar\n",
-              foundIn({sampleFolder("other")}));
+              foundInArchive({sampleFolder("other")}));
     EXPECT_EQ(unplain(".ssh") + "varn.tar: holds the directory .ssh; name the archive .ssh.tar\n",
-              foundIn({sampleFolder(".ssh")}));
-    EXPECT_EQ(outside("varn"), foundIn({sampleFile("varn", "")}));
+              foundInArchive({sampleFolder(".ssh")}));
+    EXPECT_EQ(outside("varn"), foundInArchive({sampleFile("varn", "")}));
     EXPECT_EQ(outside("second"), withMember(sampleFolder("second")));
     EXPECT_EQ(outside("varn/sub/x"), withMember(sampleFile("varn/sub/x", "")));
     EXPECT_EQ(outside("varn/fw.bin/x"), withMember(sampleFile("varn/fw.bin/x", "")));
@@ -216,7 +217,8 @@ TEST(ArchiveReader, TakesModesThatKeepOthersOut) {
               withMember(sampleFile("varn/x", "", 0244)));
     collecting_sink sink;
     EXPECT_EQ(
-        "", foundIn(archiveOf({sampleFolder("varn", 0700), sampleFile("varn/x", "", 0400)}), sink));
+        "", foundInArchive(archiveOf({sampleFolder("varn", 0700), sampleFile("varn/x", "", 0400)}),
+                           sink));
 }
 
 TEST(ArchiveReader, TakesAThousandMembers) {
@@ -225,20 +227,21 @@ TEST(ArchiveReader, TakesAThousandMembers) {
         samples.push_back(sampleFile("varn/" + std::to_string(samples.size()), ""));
     }
     collecting_sink sink;
-    EXPECT_EQ("", foundIn(archiveOf(samples), sink));
+    EXPECT_EQ("", foundInArchive(archiveOf(samples), sink));
     samples.push_back(sampleFile("varn/more", ""));
-    EXPECT_EQ("varn.tar: holds more than 1000 members; leave some out\n", foundIn(samples));
+    EXPECT_EQ("varn.tar: holds more than 1000 members; leave some out\n", foundInArchive(samples));
 }
 
 TEST(ArchiveReader, RefusesADirectoryWithContent) {
     samples_t samples = soundPackage();
     samples.push_back({{"varn/x", true, 0755, 3, 0}, "abc"});
-    EXPECT_EQ("varn/x: is a directory with content; do not use the archive\n", foundIn(samples));
+    EXPECT_EQ("varn/x: is a directory with content; do not use the archive\n",
+              foundInArchive(samples));
 }
 
 TEST(ArchiveReader, YieldsNothingMoreAfterAFinding) {
     collecting_sink sink;
-    const std::string found = foundIn(
+    const std::string found = foundInArchive(
         archiveOf({sampleFolder("varn"), sampleFile("varn/a", "a"), sampleFile("varn/-b", "b"),
                    sampleFile("varn/-c", "c"), sampleFile("varn/d", "d")}),
         sink);

@@ -9,7 +9,7 @@ namespace {
 
 const std::string digits = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
 
-std::string foundIn(const std::string& text) {
+std::string foundInText(const std::string& text) {
     return foundBy([&](findings& found) {
         checkChecksum("out/v.tar.sha256", text, "out/v.tar", digits, found);
     });
@@ -26,8 +26,8 @@ TEST(Sha256, IsThatOfTheStandard) {
 }
 
 TEST(ChecksumFile, IsTheOneLineOfSha256sum) {
-    EXPECT_EQ("", foundIn(digits + "  v.tar\n"));
-    EXPECT_EQ("", foundIn(digits + " *v.tar\n"));
+    EXPECT_EQ("", foundInText(digits + "  v.tar\n"));
+    EXPECT_EQ("", foundInText(digits + " *v.tar\n"));
 }
 
 TEST(ChecksumFile, SaysJustWhatIsWrong) {
@@ -38,19 +38,19 @@ TEST(ChecksumFile, SaysJustWhatIsWrong) {
     const std::string other = start +
                               "is not for v.tar alone; write it with sha256sum in the folder of "
                               "the archive\n";
-    EXPECT_EQ(start + "is in upper case" + again, foundIn(capitals + "  v.tar\n"));
+    EXPECT_EQ(start + "is in upper case" + again, foundInText(capitals + "  v.tar\n"));
     EXPECT_EQ(start + "is in the style of BSD" + again,
-              foundIn("SHA256 (v.tar) = " + digits + "\n"));
+              foundInText("SHA256 (v.tar) = " + digits + "\n"));
     EXPECT_EQ(start + "has lines that end in CR LF; end them as UNIX does\n",
-              foundIn(digits + "  v.tar\r\n"));
-    EXPECT_EQ(start + "holds no SHA-256 checksum" + again, foundIn(""));
-    EXPECT_EQ(start + "holds no SHA-256 checksum" + again, foundIn(digits.substr(1)));
+              foundInText(digits + "  v.tar\r\n"));
+    EXPECT_EQ(start + "holds no SHA-256 checksum" + again, foundInText(""));
+    EXPECT_EQ(start + "holds no SHA-256 checksum" + again, foundInText(digits.substr(1)));
     EXPECT_EQ(start + "holds no SHA-256 checksum" + again,
-              foundIn("x" + digits.substr(1) + "  v.tar\n"));
+              foundInText("x" + digits.substr(1) + "  v.tar\n"));
     for (const std::string rest : {"", "\n", "  other.tar\n", "  out/v.tar\n", "  v.tar",
                                    " v.tar\n", "0  v.tar\n", "  v.tar\n\n"}) {
-        EXPECT_EQ(other, foundIn(digits + rest));
+        EXPECT_EQ(other, foundInText(digits + rest));
     }
     EXPECT_EQ("out/v.tar: does not match the checksum in out/v.tar.sha256; fetch both again\n",
-              foundIn("00" + digits.substr(2) + "  v.tar\n"));
+              foundInText("00" + digits.substr(2) + "  v.tar\n"));
 }

@@ -14,11 +14,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string foundIn(const package_files_t& files) {
+std::string foundInPackage(const package_files_t& files) {
     return foundBy([&](findings& found) { checkPackage(files, found); });
 }
 
-std::string foundIn(const samples_t& samples) { return foundIn(filesOf(samples)); }
+std::string foundInPackage(const samples_t& samples) { return foundInPackage(filesOf(samples)); }
 
 /// A sound package, unpacked; "varn" in a folder.
 class package_directory_test : public testing::Test {
@@ -26,7 +26,7 @@ protected:
     package_directory_test() { writeSamples(soundPackage(), scratch.path()); }
 
     fs::path at(const std::string& name) const { return scratch.path() / "varn" / name; }
-    std::string found() const { return foundIn(filesBelow(at("").string())); }
+    std::string found() const { return foundInPackage(filesBelow(at("").string())); }
 
     void replaceByLink(const std::string& name) const {
         fs::rename(at(name), scratch.path() / "elsewhere");
@@ -39,12 +39,12 @@ protected:
 }  // namespace
 
 TEST(PackageRules, FindNothingWrongWithASoundPackage) {
-    EXPECT_EQ("", foundIn(soundPackage()));
+    EXPECT_EQ("", foundInPackage(soundPackage()));
     samples_t samples = soundPackage();
     std::erase_if(samples, [](const sample_t& sample) {
         return sample.member.name == "varn/CopyrightsDebian";
     });
-    EXPECT_EQ("", foundIn(samples));
+    EXPECT_EQ("", foundInPackage(samples));
 }
 
 TEST(PackageRules, MissEachFileThatVarnmenuNeeds) {
@@ -55,29 +55,30 @@ TEST(PackageRules, MissEachFileThatVarnmenuNeeds) {
         }
         samples_t samples = soundPackage();
         std::erase(samples, removed);
-        EXPECT_EQ(name + ": is missing; put it there\n", foundIn(samples));
+        EXPECT_EQ(name + ": is missing; put it there\n", foundInPackage(samples));
     }
 }
 
 TEST(PackageRules, SayWhatIsWrongWithAFile) {
     samples_t samples = soundPackage();
     sampleOf(samples, "fw.bin") = sampleFile("varn/fw.bin", "");
-    EXPECT_EQ("fw.bin: is empty; put the right file there\n", foundIn(samples));
+    EXPECT_EQ("fw.bin: is empty; put the right file there\n", foundInPackage(samples));
     sampleOf(samples, "fw.bin") = sampleFolder("varn/fw.bin");
-    EXPECT_EQ("fw.bin: is not a regular file; put the file itself there\n", foundIn(samples));
+    EXPECT_EQ("fw.bin: is not a regular file; put the file itself there\n",
+              foundInPackage(samples));
     package_files_t files = filesOf(soundPackage());
     files.at("fw.bin").isReadable = false;
-    EXPECT_EQ("fw.bin: cannot be read; chmod a+r it, or check as root\n", foundIn(files));
+    EXPECT_EQ("fw.bin: cannot be read; chmod a+r it, or check as root\n", foundInPackage(files));
     files = filesOf(soundPackage());
     files.at("fw.bin").kind = file_kind_t::other;
-    EXPECT_EQ("fw.bin: is not a regular file; put the file itself there\n", foundIn(files));
+    EXPECT_EQ("fw.bin: is not a regular file; put the file itself there\n", foundInPackage(files));
     files = filesOf(soundPackage());
     files.at("").mode = 0757;
     files.at("fw.bin").mode = 0646;
     EXPECT_EQ(
         ".: can be written by everybody; chmod o-w it\n"
         "fw.bin: can be written by everybody; chmod o-w it\n",
-        foundIn(files));
+        foundInPackage(files));
 }
 
 TEST(PackageRules, MissTheFolderOfThePrograms) {
@@ -86,7 +87,7 @@ TEST(PackageRules, MissTheFolderOfThePrograms) {
         return sample.member.name.find("/tool") != std::string::npos;
     });
     EXPECT_EQ("tool/varnmenu: is missing; put it there\ntool/varnflash: is missing; put it there\n",
-              foundIn(samples));
+              foundInPackage(samples));
 }
 
 TEST(PackageRules, LookIntoTheReleaseFile) {
@@ -97,14 +98,14 @@ TEST(PackageRules, LookIntoTheReleaseFile) {
     EXPECT_EQ(
         "releasefile-information.txt: IMAGE_NAME holds a blank; rename the image: the core "
         "program would be given two names\n",
-        foundIn(samples));
+        foundInPackage(samples));
 }
 
 TEST(PackageRules, LookNoFurtherIntoAClosedFolder) {
     package_files_t files = filesOf(soundPackage());
     files.erase("tool/varnmenu");
     files.at("tool").isReadable = false;
-    EXPECT_EQ("tool: cannot be entered; chmod a+rx it, or check as root\n", foundIn(files));
+    EXPECT_EQ("tool: cannot be entered; chmod a+rx it, or check as root\n", foundInPackage(files));
 }
 
 TEST_F(package_directory_test, IsReadAsAnArchiveIs) {
@@ -157,7 +158,7 @@ TEST_F(package_directory_test, SaysWhatItMayNotRead) {
     EXPECT_EQ(
         "fw.bin: cannot be read; chmod a+r it, or check as root\n"
         "tool: cannot be entered; chmod a+rx it, or check as root\n",
-        foundIn(files));
+        foundInPackage(files));
 }
 
 TEST_F(package_directory_test, FailsWhenItCannotBeEntered) {

@@ -82,8 +82,9 @@ std::string programOf(const elf_t& elf) {
 std::string versionOf(const std::string& bytes) { return elf_file(bytes, bytes.size()).version(); }
 
 const std::string noProgram = "p: is an ELF file, but no program; put the program itself there\n";
-const std::string cutOff = "p: is an ELF file that is cut off; put the whole file there\n";
-const std::string foreign = "p: is an ELF file that no system can run; put the right file there\n";
+const std::string cutOffFile = "p: is an ELF file that is cut off; put the whole file there\n";
+const std::string foreignFile =
+    "p: is an ELF file that no system can run; put the right file there\n";
 
 }  // namespace
 
@@ -111,19 +112,19 @@ TEST(ProgramRules, FindWhatNoSystemCanStart) {
     std::string bytes = programOf({});
     put(bytes, offsetof(Elf64_Ehdr, e_phnum), std::uint16_t{0}, false);
     EXPECT_EQ("x86_64" + noProgram, saidOf(bytes));
-    EXPECT_EQ(foreign, saidOf(ELFMAG));
-    EXPECT_EQ(foreign, saidOf(programOf({}).replace(EI_CLASS, 1, "\3")));
-    EXPECT_EQ(foreign, saidOf(programOf({}).replace(EI_DATA, 1, "\3")));
-    EXPECT_EQ(cutOff, saidOf(programOf({}).substr(0, 63)));
-    EXPECT_EQ(cutOff, saidOf(programOf({}).substr(0, 119)));
+    EXPECT_EQ(foreignFile, saidOf(ELFMAG));
+    EXPECT_EQ(foreignFile, saidOf(programOf({}).replace(EI_CLASS, 1, "\3")));
+    EXPECT_EQ(foreignFile, saidOf(programOf({}).replace(EI_DATA, 1, "\3")));
+    EXPECT_EQ(cutOffFile, saidOf(programOf({}).substr(0, 63)));
+    EXPECT_EQ(cutOffFile, saidOf(programOf({}).substr(0, 119)));
     EXPECT_EQ("x86_64", saidOf(programOf({}).substr(0, 120)));
     const elf_t small{.is64 = false, .machine = EM_386};
-    EXPECT_EQ(cutOff, saidOf(programOf(small).substr(0, 51)));
-    EXPECT_EQ(cutOff, saidOf(programOf(small).substr(0, 83)));
+    EXPECT_EQ(cutOffFile, saidOf(programOf(small).substr(0, 51)));
+    EXPECT_EQ(cutOffFile, saidOf(programOf(small).substr(0, 83)));
     EXPECT_EQ("i386", saidOf(programOf(small).substr(0, 84)));
     bytes = programOf(small);
     put(bytes, offsetof(Elf32_Ehdr, e_phoff), ~std::uint32_t{0}, false);
-    EXPECT_EQ(cutOff, saidOf(bytes));
+    EXPECT_EQ(cutOffFile, saidOf(bytes));
     put(bytes, offsetof(Elf32_Ehdr, e_phnum), std::uint16_t{0}, false);
     EXPECT_EQ("i386" + noProgram, saidOf(bytes));
     EXPECT_EQ("i386" + noProgram,
@@ -131,7 +132,7 @@ TEST(ProgramRules, FindWhatNoSystemCanStart) {
     for (const std::uint64_t table : {~std::uint64_t{0}, std::uint64_t{1000}}) {
         bytes = programOf({});
         put(bytes, offsetof(Elf64_Ehdr, e_phoff), table, false);
-        EXPECT_EQ(cutOff, saidOf(bytes));
+        EXPECT_EQ(cutOffFile, saidOf(bytes));
     }
 }
 

@@ -10,10 +10,10 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <filesystem>
 #include <string>
 #include <thread>
 
+#include "harness/process_state.hpp"
 #include "support/blocked_signals.hpp"
 
 namespace {
@@ -28,11 +28,6 @@ protected:
 
     std::array<int, 2> ends{};
 };
-
-std::ptrdiff_t openDescriptors() {
-    const std::filesystem::directory_iterator open("/proc/self/fd");
-    return std::distance(begin(open), end(open));
-}
 
 /// Interrupts the thread that made it again and again.
 class signal_storm {

@@ -9,9 +9,9 @@
 #include <climits>
 #include <csignal>
 #include <cstdio>
-#include <filesystem>
 #include <numeric>
 
+#include "harness/process_state.hpp"
 #include "harness/terminal_session.hpp"
 #include "support/open_stream.hpp"
 
@@ -42,11 +42,6 @@ open_stream holding(const std::string& text) {
     open_stream input;
     input.currentInput = text;
     return input;
-}
-
-std::ptrdiff_t openDescriptors() {
-    const std::filesystem::directory_iterator open("/proc/self/fd");
-    return std::distance(begin(open), end(open));
 }
 
 }  // namespace
