@@ -2,12 +2,12 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
 
+#include "harness/job.hpp"
 #include "harness/terminal_session.hpp"
 #include "harness/test_surroundings.hpp"
 
@@ -97,20 +97,13 @@ TEST(TerminalKeeper, TakesNothingFromTheBackground) {
 // Its user has put this program aside.
 TEST(TerminalKeeper, LeavesTheTerminalToTheShellOfTheSession) {
     terminal_session session([] {
-        std::signal(SIGTTOU, SIG_IGN);
-        const pid_t shell = getpid();
-        const pid_t job = fork();
-        if (job == 0) {
-            setpgid(0, 0);
-            tcsetpgrp(STDIN_FILENO, getpid());
+        const int status = statusOfJob([](pid_t shell) {
             {
                 const terminal_keeper keeper;
                 tcsetpgrp(STDIN_FILENO, shell);
             }
             std::exit(tcgetpgrp(STDIN_FILENO) == shell ? 0 : 1);
-        }
-        int status = -1;
-        waitpid(job, &status, 0);
+        });
         return std::string(status == 0 ? "left" : "taken");
     });
     EXPECT_EQ("left", session.result());

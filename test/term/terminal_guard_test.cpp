@@ -14,6 +14,7 @@
 #include <cstring>
 #include <vector>
 
+#include "harness/job.hpp"
 #include "harness/terminal_session.hpp"
 #include "harness/test_surroundings.hpp"
 
@@ -201,22 +202,14 @@ TEST(TerminalGuard, KeepsTheErrorOfAnInterruptedCallOverAStop) {
 // Its shell has taken the terminal back: restoring it from there must not stop the process.
 TEST(TerminalGuard, EndsInTheBackground) {
     terminal_session session([] {
-        std::signal(SIGTTOU, SIG_IGN);
-        const pid_t shell = getpid();
-        const pid_t job = fork();
-        if (job == 0) {
-            setpgid(0, 0);
-            tcsetpgrp(STDIN_FILENO, getpid());
+        const int status = statusOfJob([](pid_t shell) {
             std::signal(SIGTTOU, SIG_DFL);
             const terminal_guard guard;
             std::signal(SIGTTOU, SIG_IGN);
             tcsetpgrp(STDIN_FILENO, shell);
             std::signal(SIGTTOU, SIG_DFL);
             std::exit(3);
-        }
-        int status = -1;
-        waitpid(job, &status, WUNTRACED);
-        kill(job, SIGKILL);
+        });
         return std::string(WIFEXITED(status) ? "ended" : "stopped");
     });
     EXPECT_EQ("ended", session.result());
